@@ -1,0 +1,14 @@
+// scl_regex: regular expressions for UTF-16 text on ICU, with case-,
+// normalisation- and accent-insensitive matching.
+//
+// Include this header for the whole public interface.
+#ifndef SCL_REGEX_H
+#define SCL_REGEX_H
+
+#include <scl/regex/exception.h>
+#include <scl/regex/expected.h>
+#include <scl/regex/matcher.h>
+#include <scl/regex/options.h>
+#include <scl/regex/prepare.h>
+
+#endif  // SCL_REGEX_H

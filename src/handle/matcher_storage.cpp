@@ -1,0 +1,54 @@
+#include "handle/matcher_storage.h"
+
+#include <cstddef>
+#include <utility>
+
+#include <unicode/uobject.h>
+
+namespace scl::regex::detail {
+namespace {
+
+constexpr std::size_t round_up(std::size_t n, std::size_t alignment) {
+  return (n + alignment - 1) / alignment * alignment;
+}
+
+// The matcher sits at the start of the allocation (so the handle's pointer is
+// the matcher itself), the subject slot behind it.
+constexpr std::size_t kSlotOffset =
+    round_up(sizeof(icu::RegexMatcher), alignof(icu::UnicodeString));
+constexpr std::size_t kStorageSize = kSlotOffset + sizeof(icu::UnicodeString);
+
+void* slot_address(void* storage) noexcept {
+  return static_cast<unsigned char*>(storage) + kSlotOffset;
+}
+
+}  // namespace
+
+icu::RegexMatcher* new_matcher(const icu::UnicodeString& pattern, std::uint32_t flags,
+                               UErrorCode& status) {
+  void* storage = icu::UMemory::operator new(kStorageSize);
+  if (storage == nullptr) return nullptr;
+  new (slot_address(storage)) icu::UnicodeString();
+  return new (storage) icu::RegexMatcher(pattern, flags, status);
+}
+
+void delete_matcher(icu::RegexMatcher* matcher) noexcept {
+  if (matcher == nullptr) return;
+  void* storage = matcher;
+  // The matcher refers to the slot's text, so it goes first.
+  matcher->~RegexMatcher();
+  static_cast<icu::UnicodeString*>(slot_address(storage))->~UnicodeString();
+  icu::UMemory::operator delete(storage);
+}
+
+icu::UnicodeString& subject_slot(icu::RegexMatcher& matcher) noexcept {
+  return *static_cast<icu::UnicodeString*>(slot_address(&matcher));
+}
+
+void reset_onto(icu::RegexMatcher& matcher, icu::UnicodeString&& subject) {
+  icu::UnicodeString& slot = subject_slot(matcher);
+  slot = std::move(subject);
+  matcher.reset(slot);
+}
+
+}  // namespace scl::regex::detail

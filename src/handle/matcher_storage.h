@@ -1,0 +1,36 @@
+// The storage behind a matcher handle.
+//
+// A handle points at an ICU RegexMatcher allocated with ICU's allocator. The
+// same allocation holds, right behind the matcher, a subject slot: the text
+// onto which the library last reset the matcher. ICU's matcher only refers to
+// its input, so keeping that input here lets group texts be read after the
+// search that produced them has returned.
+#ifndef SCL_REGEX_SRC_HANDLE_MATCHER_STORAGE_H
+#define SCL_REGEX_SRC_HANDLE_MATCHER_STORAGE_H
+
+#include <cstdint>
+
+#include <unicode/regex.h>
+#include <unicode/unistr.h>
+
+namespace scl::regex::detail {
+
+// Compiles `pattern` with ICU `flags` into a new matcher. Returns null, with
+// `status` untouched, if ICU's allocator has no storage. Otherwise returns the
+// matcher even when ICU reports a failure in `status`; the caller destroys it.
+icu::RegexMatcher* new_matcher(const icu::UnicodeString& pattern, std::uint32_t flags,
+                               UErrorCode& status);
+
+// Destroys a matcher made by new_matcher, its subject slot, and frees the storage.
+void delete_matcher(icu::RegexMatcher* matcher) noexcept;
+
+// The subject slot of a matcher made by new_matcher.
+icu::UnicodeString& subject_slot(icu::RegexMatcher& matcher) noexcept;
+
+// Moves `subject` into the matcher's subject slot and resets the matcher onto
+// it; the previous match is discarded.
+void reset_onto(icu::RegexMatcher& matcher, icu::UnicodeString&& subject);
+
+}  // namespace scl::regex::detail
+
+#endif  // SCL_REGEX_SRC_HANDLE_MATCHER_STORAGE_H
