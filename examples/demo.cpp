@@ -1,5 +1,6 @@
 // A tour of scl_regex: compiling patterns with options, what text preparation
-// does, and how a rejected pattern is reported.
+// does, how a rejected pattern is reported, searching and reading groups on a
+// handle, and replacing with fixed text or callbacks.
 #include <cstdio>
 #include <string>
 
@@ -39,8 +40,9 @@ int main() {
   const std::u16string subject = u"Un caf\u00e9 cr\u00e8me, s'il vous pla\u00eet";
   std::printf("  subject \"%s\" is searched as \"%s\"\n", utf8(subject).c_str(),
               utf8(re::prepare_text(subject, accents)).c_str());
-  std::printf("  so the pattern \"cafe creme\" (prepared: \"%s\") finds it\n",
-              utf8(re::prepare_text(u"cafe creme", accents)).c_str());
+  const re::matcher_ptr cafe = re::createMatcher(u"cafe creme", accents);
+  std::printf("  so the pattern \"cafe creme\" finds it: regex_search gives %s\n",
+              re::regex_search(cafe, subject, false) ? "true" : "false");
 
   std::puts("\nA rejected pattern:");
   try {
@@ -54,5 +56,49 @@ int main() {
     std::printf("  createExpectedMatcher(\"a{3,1}\") returned: %s [%s]\n", expected.error().what(),
                 expected.error().getErrorCodeMnemonic().c_str());
   }
+
+  std::puts("\nSearching and reading groups on a handle:");
+  const re::matcher_ptr date = re::createMatcher(u"(\\d{4})-(\\d{2})-(\\d{2})", 0);
+  const std::u16string text = u"released on 2026-11-21, patched 2026-12-02";
+  if (re::regex_search(date, text, false)) {
+    std::printf("  %d groups; match \"%s\", year \"%s\", month \"%s\"\n",
+                re::get_group_count(date), utf8(re::get_group(date, 0)).c_str(),
+                utf8(re::get_group(date, 1)).c_str(), utf8(re::get_group(date, 2)).c_str());
+  }
+  std::printf("  whole-subject match of \"2026-11-21\": %s\n",
+              re::regex_search(date, u"2026-11-21", true) ? "true" : "false");
+
+  std::puts("\nReplacing:");
+  std::printf("  \"$3.$2.$1\" everywhere: %s\n",
+              utf8(re::regex_replace(date, text, u"$3.$2.$1")).c_str());
+  std::printf("  first match only:      %s\n",
+              utf8(re::regex_replace_first(date, text, u"<$1>")).c_str());
+
+  const re::matcher_ptr digit = re::createMatcher(u"[0-9]", 0);
+  const std::u16string digits = u"a1b2c3";
+  const auto stop_bool = re::regex_replace(
+      digit, digits, [](const std::u16string& matched, bool& go_on) {
+        go_on = false;  // stop after this match; the rest is dropped
+        return u"<" + matched + u">";
+      });
+  const auto stop_keep = re::regex_replace(
+      digit, digits, [](const std::u16string& matched, re::ECallbackTermination& how) {
+        how = re::eStop;  // stop after this match; the rest is kept
+        return u"<" + matched + u">";
+      });
+  const auto stop_drop = re::regex_replace(
+      digit, digits, [](const std::u16string& matched, re::ECallbackTermination& how) {
+        how = re::eStopAndTruncate;  // stop after this match; the rest is dropped
+        return u"<" + matched + u">";
+      });
+  std::printf("  callback on \"a1b2c3\", stopping at the first match:\n");
+  std::printf("    bool set to false:  %s\n", utf8(stop_bool).c_str());
+  std::printf("    eStop:              %s\n", utf8(stop_keep).c_str());
+  std::printf("    eStopAndTruncate:   %s\n", utf8(stop_drop).c_str());
+  const auto doubled = re::regex_replace(
+      digit, digits, [](const re::matcher_ptr& handle, bool&) {
+        return re::get_group(handle, 0) + re::get_group(handle, 0);  // reads the current match
+      });
+  std::printf("  callback reading the handle's groups: %s\n", utf8(doubled).c_str());
   return 0;
 }

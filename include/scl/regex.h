@@ -8,6 +8,8 @@
 #include <scl/regex/exception.h>
 #include <scl/regex/expected.h>
 #include <scl/regex/matcher.h>
+#include <scl/regex/matcher_replace.h>
+#include <scl/regex/matcher_search.h>
 #include <scl/regex/options.h>
 #include <scl/regex/prepare.h>
 

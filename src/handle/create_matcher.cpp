@@ -5,6 +5,7 @@
 #include <unicode/unistr.h>
 
 #include "engine/icu_flags.h"
+#include "engine/icu_text.h"
 #include "handle/matcher_storage.h"
 #include "scl/regex/matcher.h"
 #include "scl/regex/prepare.h"
@@ -19,8 +20,7 @@ matcher_ptr compile(const std::u16string& pattern, constants::syntax_option_type
   status = U_ZERO_ERROR;
   const std::u16string prepared = prepare_text(pattern, options);
   // Embedded U+0000 units stay part of the pattern.
-  const icu::UnicodeString icu_pattern(prepared.data(), static_cast<int32_t>(prepared.size()));
-  return matcher_ptr(detail::new_matcher(icu_pattern, detail::icu_flags(options), status),
+  return matcher_ptr(detail::new_matcher(detail::icu_whole(prepared), detail::icu_flags(options), status),
                      detail::matcher_destroyer{options});
 }
 

@@ -13,6 +13,8 @@
 #include <unicode/regex.h>
 #include <unicode/unistr.h>
 
+#include "scl/regex/matcher.h"
+
 namespace scl::regex::detail {
 
 // Compiles `pattern` with ICU `flags` into a new matcher. Returns null, with
@@ -30,6 +32,11 @@ icu::UnicodeString& subject_slot(icu::RegexMatcher& matcher) noexcept;
 // Moves `subject` into the matcher's subject slot and resets the matcher onto
 // it; the previous match is discarded.
 void reset_onto(icu::RegexMatcher& matcher, icu::UnicodeString&& subject);
+
+// The ICU matcher of a handle, or null for an empty handle.
+inline icu::RegexMatcher* icu_matcher(const matcher_ptr& handle) noexcept {
+  return static_cast<icu::RegexMatcher*>(handle.get());
+}
 
 }  // namespace scl::regex::detail
 

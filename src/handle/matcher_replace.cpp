@@ -1,0 +1,90 @@
+// Replacement with a matcher handle, and the one-shot callback form.
+#include <utility>
+
+#include "engine/icu_flags.h"
+#include "engine/icu_text.h"
+#include "handle/matcher_storage.h"
+#include "handle/replace_loops.h"
+#include "scl/regex/matcher_replace.h"
+
+namespace scl::regex {
+namespace {
+
+// The result of a replacement into `output`: its text up to the first U+0000,
+// or the subject unchanged if the replacement failed or ICU has no buffer.
+std::u16string result_or_subject(bool succeeded, icu::UnicodeString& output,
+                                 const std::u16string& subject) {
+  if (!succeeded) return subject;
+  const char16_t* buffer = output.getTerminatedBuffer();
+  return buffer != nullptr ? std::u16string(buffer) : subject;
+}
+
+// The frame every handle form shares: an empty handle gives "", otherwise the
+// matcher is reset onto the whole subject (kept beside it, so the matcher never
+// refers to a dead text) and `replace(output, matcher)` does the work.
+template <class Replace>
+std::u16string replace_on_handle(const matcher_ptr& handle, const std::u16string& subject,
+                                 Replace&& replace) {
+  icu::RegexMatcher* matcher = detail::icu_matcher(handle);
+  if (matcher == nullptr) return {};
+  detail::reset_onto(*matcher, detail::icu_whole(subject));
+  icu::UnicodeString output;
+  const bool succeeded = replace(output, *matcher);
+  return result_or_subject(succeeded, output, subject);
+}
+
+}  // namespace
+
+std::u16string regex_replace_first(const matcher_ptr& handle, const std::u16string& subject,
+                                   const std::u16string& replacement) {
+  return replace_on_handle(handle, subject, [&](icu::UnicodeString& output, icu::RegexMatcher& m) {
+    return detail::replace_first_on_matcher(output, detail::icu_until_nul(replacement), &m);
+  });
+}
+
+std::u16string regex_replace(const matcher_ptr& handle, const std::u16string& subject,
+                             const std::u16string& replacement) {
+  return replace_on_handle(handle, subject, [&](icu::UnicodeString& output, icu::RegexMatcher& m) {
+    UErrorCode status = U_ZERO_ERROR;
+    output = m.replaceAll(detail::icu_until_nul(replacement), status);
+    return U_SUCCESS(status);
+  });
+}
+
+std::u16string regex_replace(const matcher_ptr& handle, const std::u16string& subject,
+                             std::function<std::u16string(const std::u16string&, bool&)> callback) {
+  return replace_on_handle(handle, subject, [&](icu::UnicodeString& output, icu::RegexMatcher& m) {
+    return detail::replace_loop_text(output, m, callback);
+  });
+}
+
+std::u16string regex_replace(const matcher_ptr& handle, const std::u16string& subject,
+                             std::function<std::u16string(const matcher_ptr&, bool&)> callback) {
+  return replace_on_handle(handle, subject, [&](icu::UnicodeString& output, icu::RegexMatcher&) {
+    return detail::replace_loop_handle(output, handle, callback);
+  });
+}
+
+std::u16string regex_replace(
+    const matcher_ptr& handle, const std::u16string& subject,
+    std::function<std::u16string(const std::u16string&, ECallbackTermination&)> callback) {
+  return replace_on_handle(handle, subject, [&](icu::UnicodeString& output, icu::RegexMatcher&) {
+    return detail::replace_loop_termination(output, handle, callback);
+  });
+}
+
+std::u16string regex_replace(const std::u16string& subject, const std::u16string& pattern,
+                             std::function<std::u16string(const std::u16string&, bool&)> callback,
+                             constants::syntax_option_type options) {
+  // Pattern and subject both end at their first U+0000; nothing is prepared.
+  const icu::UnicodeString icu_pattern = detail::icu_until_nul(pattern);
+  const icu::UnicodeString input = detail::icu_until_nul(subject);
+  UErrorCode status = U_ZERO_ERROR;
+  icu::RegexMatcher matcher(icu_pattern, input, detail::icu_flags(options), status);
+  if (U_FAILURE(status)) return subject;
+  icu::UnicodeString output;
+  const bool succeeded = detail::replace_loop_text(output, matcher, callback);
+  return result_or_subject(succeeded, output, subject);
+}
+
+}  // namespace scl::regex
