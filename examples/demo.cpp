@@ -100,5 +100,29 @@ int main() {
         return re::get_group(handle, 0) + re::get_group(handle, 0);  // reads the current match
       });
   std::printf("  callback reading the handle's groups: %s\n", utf8(doubled).c_str());
+
+  std::puts("\nOne-shot replace and escape:");
+  const std::u16string menu = u"Caf\u00e9 cr\u00e8me, CAF\u00c9 noir";
+  std::printf("  accent- and case-insensitive \"cafe\" -> \"tea\": %s\n",
+              utf8(re::regex_replace(menu, u"cafe", u"tea",
+                                     re::constants::case_insensitive | accents))
+                  .c_str());
+  std::printf("  first match only:                           %s\n",
+              utf8(re::regex_replace_first(menu, u"cafe", u"tea",
+                                           re::constants::case_insensitive | accents))
+                  .c_str());
+  std::printf("  UTF-8 form:                                 %s\n",
+              re::regex_replace(std::string("na\xC3\xAFve caf\xC3\xA9"), std::string("\xC3\xA9"),
+                                std::string("\xC3\xA8"), 0)
+                  .c_str());
+  const std::u16string user_input = u"1+1=2? (yes)";
+  const std::u16string escaped = re::regex_escape(user_input);
+  const std::u16string question = u"^Q: " + escaped + u"$";
+  std::printf("  user text \"%s\" escaped: \"%s\"\n", utf8(user_input).c_str(),
+              utf8(escaped).c_str());
+  std::printf("  inside \"%s\" it matches \"Q: 1+1=2? (yes)\": %s, \"Q: 11=2 yes\": %s\n",
+              utf8(question).c_str(),
+              re::regex_search(u"Q: 1+1=2? (yes)", question.c_str(), false, 0) ? "true" : "false",
+              re::regex_search(u"Q: 11=2 yes", question.c_str(), false, 0) ? "true" : "false");
   return 0;
 }

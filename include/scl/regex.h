@@ -10,6 +10,7 @@
 #include <scl/regex/matcher.h>
 #include <scl/regex/matcher_replace.h>
 #include <scl/regex/matcher_search.h>
+#include <scl/regex/oneshot_replace.h>
 #include <scl/regex/options.h>
 #include <scl/regex/prepare.h>
 

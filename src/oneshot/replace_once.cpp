@@ -1,0 +1,63 @@
+#include "oneshot/replace_once.h"
+
+#include <utility>
+
+#include <unicode/regex.h>
+
+#include "engine/icu_text.h"
+#include "i18n/host_i18n.h"
+
+namespace scl::regex::detail {
+namespace {
+
+using replace_member = icu::UnicodeString (icu::RegexMatcher::*)(const icu::UnicodeString&,
+                                                                 UErrorCode&);
+
+// Runs `replace` over `input`; false if the pattern does not compile or ICU fails.
+bool replace_in(const icu::UnicodeString& input, const icu::UnicodeString& pattern,
+                const icu::UnicodeString& replacement, std::uint32_t flags,
+                replace_member replace, icu::UnicodeString& output) {
+  UErrorCode status = U_ZERO_ERROR;
+  icu::RegexMatcher matcher(pattern, input, flags, status);
+  if (U_FAILURE(status)) return false;
+  output = (matcher.*replace)(replacement, status);
+  return U_SUCCESS(status);
+}
+
+std::u16string replace_once(std::u16string subject, const icu::UnicodeString& pattern,
+                            const icu::UnicodeString& replacement, std::uint32_t flags,
+                            replace_member replace) {
+  icu::UnicodeString output;
+  if (!replace_in(icu_until_nul(subject), pattern, replacement, flags, replace, output)) {
+    return subject;
+  }
+  const char16_t* buffer = output.getTerminatedBuffer();
+  if (buffer != nullptr) subject.assign(buffer);
+  return subject;
+}
+
+}  // namespace
+
+std::u16string replace_all_once(std::u16string subject, const icu::UnicodeString& pattern,
+                                const icu::UnicodeString& replacement, std::uint32_t flags) {
+  return replace_once(std::move(subject), pattern, replacement, flags,
+                      &icu::RegexMatcher::replaceAll);
+}
+
+std::u16string replace_first_once(std::u16string subject, const icu::UnicodeString& pattern,
+                                  const icu::UnicodeString& replacement, std::uint32_t flags) {
+  return replace_once(std::move(subject), pattern, replacement, flags,
+                      &icu::RegexMatcher::replaceFirst);
+}
+
+std::string replace_all_utf8(const std::string& subject, const icu::UnicodeString& pattern,
+                             const icu::UnicodeString& replacement, std::uint32_t flags) {
+  icu::UnicodeString output;
+  if (!replace_in(icu_until_nul(i18n::utf8_to_ustring(subject)), pattern, replacement, flags,
+                  &icu::RegexMatcher::replaceAll, output)) {
+    return subject;
+  }
+  return i18n::ustring_to_utf8(output.getTerminatedBuffer());
+}
+
+}  // namespace scl::regex::detail
