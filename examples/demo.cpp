@@ -124,5 +124,20 @@ int main() {
               utf8(question).c_str(),
               re::regex_search(u"Q: 1+1=2? (yes)", question.c_str(), false, 0) ? "true" : "false",
               re::regex_search(u"Q: 11=2 yes", question.c_str(), false, 0) ? "true" : "false");
+
+  std::puts("\nA regex object walked match by match:");
+  re::regex word(u"(?<word>\\w+) (?<number>\\d+)",
+                 re::constants::case_insensitive | accents);
+  const std::u16string tickets = u"Caf\u00e9 12, Cr\u00e8me 7, na\u00efve 345";
+  word.reset(tickets);  // prepared like the pattern: accents removed
+  for (re::regex_result m = word.match(); m.start != static_cast<std::size_t>(-1);
+       m = word.match()) {
+    std::printf("  [%zu, %zu) \"%s\": word \"%s\", number \"%s\"\n", m.start, m.end,
+                utf8(m.str()).c_str(), utf8(m["word"].str()).c_str(),
+                utf8(m["number"].str()).c_str());
+  }
+  auto after_end = word.match_ex();
+  std::printf("  after the last match, match_ex: %s\n",
+              after_end.has_error() ? after_end.error().what() : "no match, no error");
   return 0;
 }

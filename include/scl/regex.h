@@ -1,7 +1,8 @@
 // scl_regex: regular expressions for UTF-16 text on ICU, with case-,
 // normalisation- and accent-insensitive matching.
 //
-// Include this header for the whole public interface.
+// Include this header for the whole public interface. The ICU engine's own
+// header, <scl/regex/regex_impl_icu.h>, is separate: it needs ICU's headers.
 #ifndef SCL_REGEX_H
 #define SCL_REGEX_H
 
@@ -13,5 +14,8 @@
 #include <scl/regex/oneshot_replace.h>
 #include <scl/regex/options.h>
 #include <scl/regex/prepare.h>
+#include <scl/regex/regex_class.h>
+#include <scl/regex/regex_impl.h>
+#include <scl/regex/result.h>
 
 #endif  // SCL_REGEX_H

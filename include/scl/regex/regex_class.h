@@ -1,0 +1,87 @@
+// scl::regex::regex: a compiled pattern bound to an engine, walked match by match.
+#ifndef SCL_REGEX_REGEX_CLASS_H
+#define SCL_REGEX_REGEX_CLASS_H
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <scl/regex/expected.h>
+#include <scl/regex/export.h>
+#include <scl/regex/options.h>
+#include <scl/regex/regex_impl.h>
+#include <scl/regex/result.h>
+
+namespace scl::regex {
+
+// A pattern compiled with options, plus the subject it is searching. Give it
+// subjects with reset and pull successive matches with match or match_ex.
+// Subjects are prepared with the options the pattern was compiled with, and
+// positions count UTF-16 code units of the prepared subject.
+// Movable, not copyable; a moved-from regex has no engine. One thread at a time.
+class SCL_REGEX_API regex {
+ public:
+  // Compiles `pattern` with `options` into `impl`, or into a new ICU engine
+  // when `impl` is null. Throws regex_exception if the pattern is rejected.
+  regex(const std::u16string& pattern, constants::syntax_option_type options,
+        std::unique_ptr<regex_impl_abstract> impl = nullptr);
+  regex(std::u16string::const_iterator first, std::u16string::const_iterator last,
+        constants::syntax_option_type options, std::unique_ptr<regex_impl_abstract> impl = nullptr);
+  regex(const std::u16string_view& pattern, constants::syntax_option_type options,
+        std::unique_ptr<regex_impl_abstract> impl = nullptr);
+  // For string literals: the same as the std::u16string form.
+  regex(const char16_t* pattern, constants::syntax_option_type options,
+        std::unique_ptr<regex_impl_abstract> impl = nullptr);
+
+  regex(regex&&) noexcept;
+  regex& operator=(regex&&) noexcept;
+  ~regex();
+
+  // Replaces the engine by `impl` (a new ICU engine when null; the old engine
+  // is destroyed first) and compiles `pattern` with `options` into it.
+  // Throws regex_exception if the pattern is rejected; the regex then keeps the
+  // new engine and options.
+  void init(const std::u16string& pattern, constants::syntax_option_type options,
+            std::unique_ptr<regex_impl_abstract> impl);
+  void init(std::u16string::const_iterator first, std::u16string::const_iterator last,
+            constants::syntax_option_type options, std::unique_ptr<regex_impl_abstract> impl);
+  void init(const std::u16string_view& pattern, constants::syntax_option_type options,
+            std::unique_ptr<regex_impl_abstract> impl);
+
+  // Sets the subject, prepared with the regex's options, and rewinds the
+  // search. Does nothing without an engine.
+  void reset(const std::u16string& subject);
+  void reset(std::u16string::const_iterator first, std::u16string::const_iterator last);
+  void reset(const std::u16string_view& subject);
+  // For string literals: the same as the std::u16string form.
+  void reset(const char16_t* subject);
+
+  // Returns `length` code units of the prepared subject from `start` (empty
+  // where that range is outside it, or without an engine).
+  std::u16string str(std::size_t start, std::size_t length) const;
+
+  // Returns the next match, or a no-match result (start == (size_t)-1) when
+  // there is none, the search failed, or there is no engine. Never throws
+  // regex_exception.
+  regex_result match();
+
+  // Returns the next match or a no-match result, or the error: ICU's for a
+  // failed search, -1000 for an engine without a pattern, -1001 without an engine.
+  expected_result<regex_result> match_ex();
+
+  // Returns the number of capture groups (not counting the whole match), or 0
+  // without an engine.
+  int getGroupsCount() const;
+
+ private:
+  std::unique_ptr<regex_impl_abstract> impl_;
+  constants::syntax_option_type options_ = 0;
+  std::uint32_t match_flags_ = 0;
+};
+
+}  // namespace scl::regex
+
+#endif  // SCL_REGEX_REGEX_CLASS_H
