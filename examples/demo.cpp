@@ -1,8 +1,10 @@
-// A tour of scl_regex: compiling patterns with options, what text preparation
-// does, how a rejected pattern is reported, searching and reading groups on a
-// handle, and replacing with fixed text or callbacks.
+// A tour of scl_regex, one section per family of its interface: compiling
+// with options and text preparation, errors, search and groups on a handle,
+// replacement on a handle, one-shot replace and escape, the regex object and
+// its iterator, collecting matches, the text around matches, group names.
 #include <cstdio>
 #include <string>
+#include <vector>
 
 #include <unicode/unistr.h>
 
@@ -139,5 +141,27 @@ int main() {
   auto after_end = word.match_ex();
   std::printf("  after the last match, match_ex: %s\n",
               after_end.has_error() ? after_end.error().what() : "no match, no error");
+  std::printf("  named groups of the pattern: ");
+  re::regex fresh(u"(?<word>\\w+) (?<number>\\d+)", 0);
+  for (const std::string& name : fresh.getGroupNamesIfAvailable()) std::printf("%s ", name.c_str());
+  std::puts("");
+
+  std::puts("\nThe same walk with regex_iterator:");
+  for (re::regex_iterator it(tickets, word); it->start != static_cast<std::size_t>(-1); ++it) {
+    std::printf("  \"%s\"", utf8(it->str()).c_str());
+  }
+  std::puts("");
+
+  std::puts("\nEvery match with its groups, and the text around the matches:");
+  std::vector<re::match_tuple> all;
+  re::regex_search(tickets, u"(\\w+) (\\d+)", all, accents);
+  for (const auto& [whole, groups] : all) {
+    std::printf("  \"%s\" -> [\"%s\", \"%s\"]\n", utf8(whole).c_str(), utf8(groups[0]).c_str(),
+                utf8(groups[1]).c_str());
+  }
+  const auto [prefix, suffix] =
+      re::regex_search_prefix_suffix(u"<b>bold</b> and <i>italic</i>!", u"<[^>]+>", 0);
+  std::printf("  before the first tag: \"%s\", after the last: \"%s\"\n", utf8(prefix).c_str(),
+              utf8(suffix).c_str());
   return 0;
 }

@@ -76,6 +76,17 @@ class SCL_REGEX_API regex {
   // without an engine.
   int getGroupsCount() const;
 
+  // Returns the names of named groups ("(?<name>...)"), as UTF-8, in order of
+  // appearance, duplicates kept; empty without an engine. The names are found
+  // by scanning the engine's stored text, which is the pattern until the first
+  // reset and the last raw subject after it: after a reset this lists the
+  // "?<name>" texts found in the subject. The scan is textual: a name is an
+  // ASCII letter followed by ASCII letters and digits between "?<" and ">".
+  std::vector<std::string> getGroupNamesIfAvailable() const;
+
+  // Returns the options given to the last init (or constructor).
+  constants::syntax_option_type options() const noexcept { return options_; }
+
  private:
   std::unique_ptr<regex_impl_abstract> impl_;
   constants::syntax_option_type options_ = 0;

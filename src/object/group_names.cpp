@@ -1,0 +1,28 @@
+// Listing the named groups of a regex by scanning its engine's stored text.
+#include <string>
+#include <vector>
+
+#include "i18n/host_i18n.h"
+#include "scl/regex/regex_class.h"
+#include "scl/regex/regex_iterator.h"
+
+namespace scl::regex {
+
+std::vector<std::string> regex::getGroupNamesIfAvailable() const {
+  // "?<", a name (an ASCII letter, then ASCII letters and digits), ">".
+  static const std::u16string name_finder(u"\\?<([a-zA-Z][a-zA-Z0-9]*)>");
+  std::vector<std::string> names;
+  if (!impl_) return names;
+  const std::u16string text = impl_->getPattern();
+  if (text.empty()) return names;
+
+  regex finder(name_finder, 0, nullptr);
+  constexpr std::size_t no_position = static_cast<std::size_t>(-1);
+  for (regex_iterator it(text, finder); it->start != no_position || it->end != no_position;
+       ++it) {
+    if (it->groups.size() >= 2) names.push_back(detail::i18n::to_string(it->groups[1].str()));
+  }
+  return names;
+}
+
+}  // namespace scl::regex
