@@ -1,0 +1,165 @@
+// The free functions run on many threads at once; each thread owns its own
+// handles and regex objects. Every result is checked. Built and run under
+// ThreadSanitizer as well.
+#include <atomic>
+#include <cstring>
+#include <functional>
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <gtest/gtest.h>
+#include <unicode/normalizer2.h>
+#include <unicode/regex.h>
+#include <unicode/translit.h>
+
+#include <scl/regex.h>
+
+namespace {
+
+namespace constants = scl::regex::constants;
+using namespace std::string_literals;
+
+// ICU is not built with ThreadSanitizer: the ordering its own once-initialisation
+// provides (atomics inside libicuuc) is invisible to the sanitizer, which then reports
+// ICU's lazily built shared data as raced. So ICU's one-time set-up is done here, with
+// raw ICU and not through this library, before any thread starts; every static of this
+// library still meets its first use on many threads at once.
+class IcuSetUp : public testing::Environment {
+ public:
+  void SetUp() override {
+    UErrorCode status = U_ZERO_ERROR;
+    icu::RegexMatcher matcher(icu::UnicodeString(u"(?i)\\w+\\s"), 0, status);
+    std::unique_ptr<icu::Transliterator> marks(icu::Transliterator::createInstance(
+        icu::UnicodeString(u"any-NFD; [:Nonspacing_Mark:] any-Remove; any-NFC"), UTRANS_FORWARD,
+        status));
+    (void)icu::Normalizer2::getNFCInstance(status);
+    ASSERT_TRUE(U_SUCCESS(status));
+  }
+};
+const testing::Environment* const kIcuSetUp = testing::AddGlobalTestEnvironment(new IcuSetUp);
+
+constexpr int kThreads = 8;
+constexpr int kRounds = 40;
+
+// Runs `work(thread, round)` on kThreads threads started together; each call
+// returns the number of wrong results it saw.
+int run_on_threads(const std::function<int(int, int)>& work) {
+  std::atomic<int> ready{0};
+  std::atomic<int> wrong{0};
+  std::vector<std::thread> threads;
+  for (int t = 0; t < kThreads; ++t) {
+    threads.emplace_back([&, t] {
+      ++ready;
+      while (ready < kThreads) std::this_thread::yield();
+      for (int round = 0; round < kRounds; ++round) wrong += work(t, round);
+    });
+  }
+  for (auto& thread : threads) thread.join();
+  return wrong;
+}
+
+// A subject that differs per thread and round, so results cannot be shared by accident.
+std::u16string numbered(int thread, int round) {
+  return u"caf\u00e9 " + std::u16string(static_cast<std::size_t>(thread + 1), u'x') + u" " +
+         std::u16string(static_cast<std::size_t>(round % 7 + 1), u'7');
+}
+
+TEST(ConcurrentFreeFunctions, OneShotReplaceUtf16AndUtf8) {
+  EXPECT_EQ(run_on_threads([](int t, int r) {
+              const std::u16string subject = numbered(t, r);
+              const std::u16string expected =
+                  u"tea " + std::u16string(static_cast<std::size_t>(t + 1), u'x') + u" #";
+              int wrong = 0;
+              wrong += scl::regex::regex_replace(subject, u"CAFE|7+", u"$0", 0x5) !=
+                       scl::regex::prepare_text(subject, 0x5);
+              const std::u16string replaced = scl::regex::regex_replace(
+                  scl::regex::regex_replace(subject, u"cafe", u"tea", 0x5), u"7+", u"#", 0);
+              wrong += replaced != expected;
+              wrong += scl::regex::regex_replace_first(u"aaa", u"a", u"b", 0) != u"baa";
+              wrong += scl::regex::regex_replace("\xC3\xA9t\xC3\xA9"s, "\xC3\xA9"s, "e"s, 0) != "ete";
+              return wrong;
+            }),
+            0);
+}
+
+TEST(ConcurrentFreeFunctions, Escape) {
+  EXPECT_EQ(run_on_threads([](int t, int) {
+              const std::u16string text = u"(" + std::u16string(static_cast<std::size_t>(t), u'.') + u") x";
+              std::u16string expected = u"\\(";
+              for (int i = 0; i < t; ++i) expected += u"\\.";
+              expected += u"\\)\\ x";
+              return static_cast<int>(scl::regex::regex_escape(text) != expected);
+            }),
+            0);
+}
+
+TEST(ConcurrentFreeFunctions, PointerFormSearch) {
+  EXPECT_EQ(run_on_threads([](int t, int r) {
+              const std::u16string subject = numbered(t, r);
+              int wrong = 0;
+              wrong += !scl::regex::regex_search(subject.c_str(), u"cafe x+", false, 0x4);
+              wrong += scl::regex::regex_search(subject.c_str(), u"cafe x+", false, 0);
+              wrong += !scl::regex::regex_search(subject.c_str(), u"CAF\u00c9.*7$", true, 0x1);
+              return wrong;
+            }),
+            0);
+}
+
+TEST(ConcurrentFreeFunctions, PrefixSuffixAndTuples) {
+  EXPECT_EQ(run_on_threads([](int t, int r) {
+              const std::u16string subject = numbered(t, r);
+              int wrong = 0;
+              const auto [prefix, suffix] = scl::regex::regex_search_prefix_suffix(subject, u"x+", 0);
+              wrong += prefix != u"caf\u00e9 ";
+              wrong += suffix != u" " + std::u16string(static_cast<std::size_t>(r % 7 + 1), u'7');
+              std::vector<scl::regex::match_tuple> out;
+              scl::regex::regex_search(subject, u"(\\w)(\\w)", out, constants::ignore_diacritics);
+              wrong += out.empty() || std::get<0>(out[0]) != u"ca" ||
+                       std::get<1>(out[0]) != std::vector<std::u16string>{u"c", u"a"};
+              return wrong;
+            }),
+            0);
+}
+
+TEST(ConcurrentFreeFunctions, EachThreadWithItsOwnHandleAndRegex) {
+  EXPECT_EQ(run_on_threads([](int t, int r) {
+              const std::u16string subject = numbered(t, r);
+              int wrong = 0;
+              const scl::regex::matcher_ptr handle = scl::regex::createMatcher(u"(x+) (7+)", 0);
+              wrong += !scl::regex::regex_search(handle, subject, false);
+              wrong += scl::regex::get_group(handle, 1).size() != static_cast<std::size_t>(t + 1);
+              wrong += scl::regex::regex_replace(handle, subject, [](const std::u16string& m, bool&) {
+                         return u"[" + m + u"]";
+                       }) != u"caf\u00e9 [" + subject.substr(5) + u"]";
+              scl::regex::regex re(u"(?<w>\\w+)", constants::ignore_diacritics);
+              int words = 0;
+              for (scl::regex::regex_iterator it(subject, re); it->start != static_cast<std::size_t>(-1); ++it) {
+                wrong += (*it)["w"].str().empty();
+                ++words;
+              }
+              wrong += words != 3;
+              wrong += re.getGroupNamesIfAvailable().size() != 0;  // scanned text is now the subject
+              return wrong;
+            }),
+            0);
+}
+
+TEST(ConcurrentFreeFunctions, ExceptionMessages) {
+  EXPECT_EQ(run_on_threads([](int t, int) {
+              int wrong = 0;
+              try {
+                (void)scl::regex::createMatcher(t % 2 == 0 ? u"(" : u"[", 0);
+                ++wrong;
+              } catch (const scl::regex::regex_exception& e) {
+                const char* expected = t % 2 == 0 ? "Incorrectly nested parentheses in regexp pattern."
+                                                  : "Missing closing bracket on a bracket expression.";
+                wrong += std::strcmp(e.what(), expected) != 0;
+              }
+              return wrong;
+            }),
+            0);
+}
+
+}  // namespace
