@@ -15,6 +15,12 @@ inline icu::UnicodeString icu_whole(const std::u16string& text) {
   return icu::UnicodeString(text.data(), static_cast<int32_t>(text.size()));
 }
 
+// The length of the text up to its first U+0000 (cut to 32 bits).
+inline int32_t length_until_nul(const std::u16string& text) {
+  const std::size_t nul = text.find(u'\0');
+  return static_cast<int32_t>(nul == std::u16string::npos ? text.size() : nul);
+}
+
 // The text up to its first U+0000.
 inline icu::UnicodeString icu_until_nul(const std::u16string& text) {
   return icu::UnicodeString(text.c_str());

@@ -1,10 +1,6 @@
 // Text preparation: NFC normalisation and removal of diacritics, applied alike
 // to patterns before compiling and to subjects before searching.
 #include <array>
-#include <memory>
-
-#include <unicode/translit.h>
-#include <unicode/unistr.h>
 
 #include "i18n/host_i18n.h"
 #include "scl/regex/prepare.h"
@@ -15,37 +11,37 @@ namespace {
 // Results up to this many code units are normalised on the stack in one pass.
 constexpr std::size_t kNfcStackCapacity = 1024;
 
-std::u16string nfc_form(const std::u16string& text) {
+// Appends the NFC form of `length` units at `input` to `out`: in one pass
+// through a stack buffer when it fits, else a second pass into `out` itself.
+void append_nfc(std::u16string& out, const char16_t* input, std::size_t length) {
   std::array<char16_t, kNfcStackCapacity> buffer;
-  const std::size_t needed =
-      detail::i18n::to_nfc(buffer.data(), buffer.size(), text.data(), text.size());
-  if (needed <= buffer.size()) return std::u16string(buffer.data(), needed);
-  std::u16string result(needed, u'\0');
-  detail::i18n::to_nfc(result.data(), result.size(), text.data(), text.size());
+  const std::size_t needed = detail::i18n::to_nfc(buffer.data(), buffer.size(), input, length);
+  if (needed <= buffer.size()) {
+    out.append(buffer.data(), needed);
+    return;
+  }
+  const std::size_t at = out.size();
+  out.resize(at + needed);
+  detail::i18n::to_nfc(out.data() + at, needed, input, length);
+}
+
+std::u16string nfc_form(const std::u16string& text) {
+  // The prefix that is certainly in NFC already (all of it, commonly) is copied
+  // as it is; it ends at a normalisation boundary, so only the rest is normalised.
+  const std::size_t normalized = detail::i18n::nfc_span(text.data(), text.size());
+  if (normalized == text.size()) return text;
+  std::u16string result(text, 0, normalized);
+  append_nfc(result, text.data() + normalized, text.size() - normalized);
   return result;
 }
 
 }  // namespace
 
-std::u16string strip_diacritics(const std::u16string& text) {
-  UErrorCode status = U_ZERO_ERROR;
-  const std::unique_ptr<icu::Transliterator> remove_marks(icu::Transliterator::createInstance(
-      icu::UnicodeString(u"any-NFD; [:Nonspacing_Mark:] any-Remove; any-NFC"), UTRANS_FORWARD,
-      status));
-  if (U_FAILURE(status) || !remove_marks) return text;
-
-  icu::UnicodeString work(text.c_str());  // ends at the first U+0000
-  remove_marks->transliterate(work);
-  const char16_t* buffer = work.getTerminatedBuffer();
-  if (buffer == nullptr) return text;
-  return std::u16string(buffer);
-}
-
 std::u16string prepare_text(const std::u16string& text, constants::syntax_option_type options) {
-  std::u16string result =
-      (options & constants::normalize_nfc) != 0 ? nfc_form(text) : text;
-  if ((options & constants::ignore_diacritics) != 0) result = strip_diacritics(result);
-  return result;
+  // Removing diacritics decomposes the text first, and NFD(NFC(t)) == NFD(t);
+  // so when it follows, normalising to NFC beforehand cannot change the result.
+  if ((options & constants::ignore_diacritics) != 0) return strip_diacritics(text);
+  return (options & constants::normalize_nfc) != 0 ? nfc_form(text) : text;
 }
 
 }  // namespace scl::regex

@@ -13,9 +13,15 @@ bool regex_search(const matcher_ptr& handle, const std::u16string& subject, bool
   icu::RegexMatcher* matcher = detail::icu_matcher(handle);
   if (matcher == nullptr) return false;
   // The subject is prepared as the pattern was, and kept beside the matcher so
-  // that get_group can read the match after this call returns.
-  const std::u16string prepared = prepare_text(subject, handle.get_deleter().options);
-  detail::reset_onto(*matcher, detail::icu_until_nul(prepared));
+  // that get_group can read the match after this call returns. It ends at its
+  // first U+0000. Without preparation it is copied straight into the slot.
+  const constants::syntax_option_type options = handle.get_deleter().options;
+  if ((options & (constants::normalize_nfc | constants::ignore_diacritics)) == 0) {
+    detail::reset_onto(*matcher, subject.c_str(), detail::length_until_nul(subject));
+  } else {
+    const std::u16string prepared = prepare_text(subject, options);
+    detail::reset_onto(*matcher, prepared.c_str(), detail::length_until_nul(prepared));
+  }
   UErrorCode status = U_ZERO_ERROR;
   const bool found = whole ? matcher->matches(status) : matcher->find(0, status);
   return U_SUCCESS(status) && found;

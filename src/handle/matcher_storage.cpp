@@ -1,7 +1,6 @@
 #include "handle/matcher_storage.h"
 
 #include <cstddef>
-#include <utility>
 
 #include <unicode/uobject.h>
 
@@ -45,9 +44,9 @@ icu::UnicodeString& subject_slot(icu::RegexMatcher& matcher) noexcept {
   return *static_cast<icu::UnicodeString*>(slot_address(&matcher));
 }
 
-void reset_onto(icu::RegexMatcher& matcher, icu::UnicodeString&& subject) {
+void reset_onto(icu::RegexMatcher& matcher, const char16_t* text, int32_t length) {
   icu::UnicodeString& slot = subject_slot(matcher);
-  slot = std::move(subject);
+  slot.setTo(text, length);
   matcher.reset(slot);
 }
 

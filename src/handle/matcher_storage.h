@@ -29,9 +29,9 @@ void delete_matcher(icu::RegexMatcher* matcher) noexcept;
 // The subject slot of a matcher made by new_matcher.
 icu::UnicodeString& subject_slot(icu::RegexMatcher& matcher) noexcept;
 
-// Moves `subject` into the matcher's subject slot and resets the matcher onto
-// it; the previous match is discarded.
-void reset_onto(icu::RegexMatcher& matcher, icu::UnicodeString&& subject);
+// Copies `length` units at `text` into the matcher's subject slot (reusing its
+// buffer) and resets the matcher onto it; the previous match is discarded.
+void reset_onto(icu::RegexMatcher& matcher, const char16_t* text, int32_t length);
 
 // The ICU matcher of a handle, or null for an empty handle.
 inline icu::RegexMatcher* icu_matcher(const matcher_ptr& handle) noexcept {

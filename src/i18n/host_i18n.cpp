@@ -57,6 +57,14 @@ std::size_t to_nfc(char16_t* output, std::size_t capacity, const char16_t* input
   return length;
 }
 
+std::size_t nfc_span(const char16_t* input, std::size_t length) {
+  UErrorCode status = U_ZERO_ERROR;
+  const UNormalizer2* nfc = unorm2_getNFCInstance(&status);
+  if (U_FAILURE(status)) return 0;
+  const int32_t span = unorm2_spanQuickCheckYes(nfc, input, icu_length(length), &status);
+  return U_SUCCESS(status) ? static_cast<std::size_t>(span) : 0;
+}
+
 std::u16string utf8_to_ustring(const std::string& utf8) {
   std::u16string out;
   if (utf8.empty()) return out;

@@ -16,6 +16,11 @@ namespace scl::regex::detail::i18n {
 std::size_t to_nfc(char16_t* output, std::size_t capacity, const char16_t* input,
                    std::size_t length);
 
+// Returns how many leading code units of `input[0, length)` are certainly in
+// NFC already (ICU's quick check); `length` when the whole text is. The prefix
+// ends at a normalisation boundary.
+std::size_t nfc_span(const char16_t* input, std::size_t length);
+
 // Decodes UTF-8 (all of it, zero bytes included) into UTF-16; every
 // ill-formed sequence becomes U+FFFD.
 std::u16string utf8_to_ustring(const std::string& utf8);
