@@ -3,6 +3,7 @@
 #include "scl/regex/regex_impl_icu.h"
 
 #include <cstdint>
+#include <stdexcept>
 #include <utility>
 
 #include <unicode/regex.h>
@@ -47,7 +48,13 @@ bool find_next(icu::RegexMatcher& matcher, std::uint32_t match_flags, UErrorCode
 void set_subject(regex_impl_icu& engine, std::u16string_view raw,
                  constants::syntax_option_type options) {
   engine.pattern.assign(raw);
-  engine.subject = icu_whole(prepare_text(engine.pattern, options));
+  // setTo copies into the subject's own buffer, reusing it from one reset to the next.
+  if ((options & (constants::normalize_nfc | constants::ignore_diacritics)) == 0) {
+    engine.subject.setTo(engine.pattern.data(), static_cast<int32_t>(engine.pattern.size()));
+  } else {
+    const std::u16string prepared = prepare_text(engine.pattern, options);
+    engine.subject.setTo(prepared.data(), static_cast<int32_t>(prepared.size()));
+  }
   if (icu::RegexMatcher* m = icu_matcher(engine.matcher)) m->reset(engine.subject);
 }
 
@@ -108,9 +115,18 @@ void regex_impl_icu::reset(const std::u16string_view& subject_text,
 }
 
 std::u16string regex_impl_icu::str(std::size_t start, std::size_t length) const {
-  icu::UnicodeString piece =
-      subject.tempSubString(static_cast<int32_t>(start), static_cast<int32_t>(length));
-  return text_until_nul(piece);
+  // Both are cut to 32 bits and pinned to the subject, as ICU pins substrings:
+  // a start of (size_t)-1 becomes 0 and a length of 0 stays 0. The text ends at
+  // the first U+0000 within the piece.
+  const int32_t size = subject.length();
+  auto from = static_cast<int32_t>(start);
+  auto count = static_cast<int32_t>(length);
+  from = from < 0 ? 0 : (from > size ? size : from);
+  count = count < 0 ? 0 : (count > size - from ? size - from : count);
+  const char16_t* units = subject.getBuffer();
+  if (units == nullptr) throw std::logic_error("basic_string: construction from null is not valid");
+  const std::u16string_view piece(units + from, static_cast<std::size_t>(count));
+  return std::u16string(piece.substr(0, piece.find(u'\0')));
 }
 
 regex_result regex_impl_icu::match(std::uint32_t match_flags) {
