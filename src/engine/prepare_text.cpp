@@ -11,16 +11,28 @@ namespace {
 // Results up to this many code units are normalised on the stack in one pass.
 constexpr std::size_t kNfcStackCapacity = 1024;
 
-// Appends the NFC form of `length` units at `input` to `out`: in one pass
-// through a stack buffer when it fits, else a second pass into `out` itself.
+// Appends the NFC form of `length` units at `input` to `out`. Short text goes
+// through a stack buffer; longer text is normalised straight into `out`, with
+// room for as many units as it has (composition rarely lengthens text), and a
+// second pass only when the result needs more.
 void append_nfc(std::u16string& out, const char16_t* input, std::size_t length) {
-  std::array<char16_t, kNfcStackCapacity> buffer;
-  const std::size_t needed = detail::i18n::to_nfc(buffer.data(), buffer.size(), input, length);
-  if (needed <= buffer.size()) {
-    out.append(buffer.data(), needed);
-    return;
-  }
   const std::size_t at = out.size();
+  std::size_t needed = 0;
+  if (length <= kNfcStackCapacity) {
+    std::array<char16_t, kNfcStackCapacity> buffer;
+    needed = detail::i18n::to_nfc(buffer.data(), buffer.size(), input, length);
+    if (needed <= buffer.size()) {
+      out.append(buffer.data(), needed);
+      return;
+    }
+  } else {
+    out.resize(at + length);
+    needed = detail::i18n::to_nfc(out.data() + at, length, input, length);
+    if (needed <= length) {
+      out.resize(at + needed);
+      return;
+    }
+  }
   out.resize(at + needed);
   detail::i18n::to_nfc(out.data() + at, needed, input, length);
 }

@@ -125,8 +125,7 @@ std::u16string regex_impl_icu::str(std::size_t start, std::size_t length) const 
   count = count < 0 ? 0 : (count > size - from ? size - from : count);
   const char16_t* units = subject.getBuffer();
   if (units == nullptr) throw std::logic_error("basic_string: construction from null is not valid");
-  const std::u16string_view piece(units + from, static_cast<std::size_t>(count));
-  return std::u16string(piece.substr(0, piece.find(u'\0')));
+  return std::u16string(units + from, units_before_nul(units + from, static_cast<std::size_t>(count)));
 }
 
 regex_result regex_impl_icu::match(std::uint32_t match_flags) {

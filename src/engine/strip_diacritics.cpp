@@ -97,7 +97,7 @@ std::u16string strip_diacritics(const std::u16string& text) {
   if (!steps.ready) return text;
 
   // The text ends at its first U+0000; read it in place.
-  const auto length = static_cast<int32_t>(std::char_traits<char16_t>::length(text.c_str()));
+  const int32_t length = detail::length_until_nul(text);
   if (has_unpaired_surrogate(text.c_str(), length)) return transliterate(text);
   const icu::UnicodeString input(false, text.c_str(), length);
   UErrorCode status = U_ZERO_ERROR;
