@@ -1,0 +1,115 @@
+// Walking some 10,000 matches of a 1 MiB subject and reading their groups:
+// with regex_iterator on a compiled regex, and collected into match tuples.
+#include <cstdint>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <benchmark/benchmark.h>
+#include <unicode/regex.h>
+
+#include <scl/regex.h>
+
+#include "bench_texts.h"
+
+namespace {
+
+constexpr std::size_t kUnits = std::size_t{1} << 20;
+constexpr std::size_t kNoPosition = static_cast<std::size_t>(-1);
+
+std::u16string group_text(const icu::UnicodeString& subject, const icu::RegexMatcher& matcher,
+                          int32_t group, UErrorCode& status) {
+  const int32_t start = matcher.start(group, status);
+  const int32_t end = matcher.end(group, status);
+  if (U_FAILURE(status) || start < 0) return {};
+  return std::u16string(subject.getBuffer() + start, static_cast<std::size_t>(end - start));
+}
+
+void lib_walk(benchmark::State& state) {
+  const std::u16string& subject = bench::record_text(kUnits);
+  scl::regex::regex re(bench::record_pattern(), 0);
+  std::int64_t matches = 0;
+  for (auto _ : state) {
+    for (scl::regex::regex_iterator it(subject, re); it->start != kNoPosition; ++it) {
+      benchmark::DoNotOptimize(it->groups[1].str());
+      benchmark::DoNotOptimize(it->groups[2].str());
+      ++matches;
+    }
+  }
+  state.counters["matches"] =
+      benchmark::Counter(static_cast<double>(matches), benchmark::Counter::kAvgIterations);
+}
+
+void icu_walk(benchmark::State& state) {
+  const icu::UnicodeString subject = bench::to_icu(bench::record_text(kUnits));
+  UErrorCode status = U_ZERO_ERROR;
+  icu::RegexMatcher matcher(bench::to_icu(bench::record_pattern()), UREGEX_DOTALL, status);
+  std::int64_t matches = 0;
+  for (auto _ : state) {
+    matcher.reset(subject);
+    while (matcher.find(status)) {
+      benchmark::DoNotOptimize(group_text(subject, matcher, 1, status));
+      benchmark::DoNotOptimize(group_text(subject, matcher, 2, status));
+      ++matches;
+    }
+  }
+  state.counters["matches"] =
+      benchmark::Counter(static_cast<double>(matches), benchmark::Counter::kAvgIterations);
+}
+
+void lib_tuples(benchmark::State& state) {
+  const std::u16string& subject = bench::record_text(kUnits);
+  std::vector<scl::regex::match_tuple> out;
+  for (auto _ : state) {
+    scl::regex::regex_search(subject, bench::record_pattern(), out, 0);
+    benchmark::DoNotOptimize(out.data());
+  }
+  state.counters["matches"] = static_cast<double>(out.size());
+}
+
+// Compiles the pattern and collects every match with its groups, as regex_search does.
+void icu_tuples_into(std::vector<scl::regex::match_tuple>& out, const icu::UnicodeString& subject,
+                     const icu::UnicodeString& pattern) {
+  out.clear();
+  UErrorCode status = U_ZERO_ERROR;
+  icu::RegexMatcher matcher(pattern, subject, UREGEX_DOTALL, status);
+  const int32_t groups = matcher.groupCount();
+  while (matcher.find(status)) {
+    std::vector<std::u16string> texts;
+    texts.reserve(static_cast<std::size_t>(groups));
+    for (int32_t g = 1; g <= groups; ++g) texts.push_back(group_text(subject, matcher, g, status));
+    out.emplace_back(group_text(subject, matcher, 0, status), std::move(texts));
+  }
+}
+
+void icu_tuples(benchmark::State& state) {
+  const std::u16string& text = bench::record_text(kUnits);
+  const icu::UnicodeString subject = bench::to_icu(text);
+  const icu::UnicodeString pattern = bench::to_icu(bench::record_pattern());
+  std::vector<scl::regex::match_tuple> out;
+  const bool agrees = bench::remember<bool>("tuples", [&] {
+    std::vector<scl::regex::match_tuple> expected;
+    scl::regex::regex_search(text, bench::record_pattern(), expected, 0);
+    icu_tuples_into(out, subject, pattern);
+    return out == expected;
+  });
+  if (!agrees) {
+    state.SkipWithError("the library does not agree with ICU");
+    return;
+  }
+  for (auto _ : state) {
+    icu_tuples_into(out, subject, pattern);
+    benchmark::DoNotOptimize(out.data());
+  }
+  state.counters["matches"] = static_cast<double>(out.size());
+}
+
+[[maybe_unused]] const bool registered = [] {
+  benchmark::RegisterBenchmark("lib/iterator_groups/opt0/accented/1M", lib_walk);
+  benchmark::RegisterBenchmark("icu/iterator_groups/opt0/accented/1M", icu_walk);
+  benchmark::RegisterBenchmark("lib/search_tuples/opt0/accented/1M", lib_tuples);
+  benchmark::RegisterBenchmark("icu/search_tuples/opt0/accented/1M", icu_tuples);
+  return true;
+}();
+
+}  // namespace

@@ -1,0 +1,122 @@
+#!/usr/bin/env python3
+"""Prints Google Benchmark JSON as one table: the library against raw ICU.
+
+Benchmarks come in pairs, lib/CASE and icu/CASE. Times are the median of the
+repetitions (or the single run), in ns per operation: CPU time, except for the
+thread cases, which are timed on the wall clock.
+"""
+import json
+import re
+import sys
+
+UNIT_NS = {"ns": 1.0, "us": 1e3, "ms": 1e6, "s": 1e9}
+
+
+def load(path):
+    with open(path) as f:
+        runs = json.load(f)["benchmarks"]
+    # run_name -> the median of its repetitions, or its single run.
+    chosen = {}
+    for run in runs:
+        name = run["run_name"]
+        if run.get("error_occurred"):
+            chosen[name] = {"error": run.get("error_message", "error")}
+        elif run.get("run_type") != "aggregate":
+            chosen.setdefault(name, run)
+        elif run.get("aggregate_name") == "median":
+            chosen[name] = run
+    return chosen
+
+
+def ns_per_op(run):
+    if run is None or "error" in run:
+        return None
+    field = "real_time" if "/real_time" in run["run_name"] else "cpu_time"
+    return run[field] * UNIT_NS[run["time_unit"]]
+
+
+def fmt_ns(v):
+    if v is None:
+        return "-"
+    return f"{v:,.1f}" if v < 1000 else f"{v:,.0f}"
+
+
+def fmt_ratio(a, b, suffix=""):
+    if a is None or b is None or b == 0:
+        return "-"
+    r = a / b
+    digits = 2 if r >= 0.1 else 4
+    return f"{r:,.{digits}f}{suffix}"
+
+
+def items_per_second(run):
+    return None if run is None or "error" in run else run.get("items_per_second")
+
+
+def cores_busy(run):
+    return "-" if run is None or "error" in run else f"{run['cpu_time'] / run['real_time']:.2f}"
+
+
+def main(path):
+    runs = load(path)
+    cases = []
+    for name in runs:
+        side, _, case = name.partition("/")
+        if side in ("lib", "icu") and case not in cases:
+            cases.append(case)
+
+    def get(side, case):
+        return runs.get(f"{side}/{case}")
+
+    rows = [("case", "lib ns/op", "ICU ns/op", "lib/ICU")]
+    for case in cases:
+        lib, icu = ns_per_op(get("lib", case)), ns_per_op(get("icu", case))
+        label = case.replace("/real_time", "")
+        for side, run in (("lib", get("lib", case)), ("icu", get("icu", case))):
+            if run is not None and "error" in run:
+                label += f"  [{side}: {run['error']}]"
+        rows.append((label, fmt_ns(lib), fmt_ns(icu), fmt_ratio(lib, icu)))
+
+    # The library's search with preparation against its own plain search.
+    own = []
+    for case in cases:
+        m = re.match(r"search/opt([24])/(.+)$", case)
+        if m:
+            with_opt = ns_per_op(get("lib", case))
+            plain = ns_per_op(get("lib", f"search/opt0/{m.group(2)}"))
+            own.append((f"search 0x{m.group(1)} vs search 0 /{m.group(2)}",
+                        fmt_ns(with_opt), fmt_ns(plain), fmt_ratio(with_opt, plain)))
+    if own:
+        rows.append(None)
+        rows.append(("library against its options-0 search", "opt ns/op", "opt0 ns/op", "ratio"))
+        rows.extend(own)
+
+    # Throughput on two threads against one: items per second, 2 threads / 1 thread;
+    # and CPU time over wall time with 2 threads: how many cores they really kept busy.
+    speedups = []
+    for case in cases:
+        if case.endswith("/threads:2"):
+            one = case[: -len("2")] + "1"
+            label = re.sub(r"/real_time/threads:2$", "", case)
+            speedup = [fmt_ratio(items_per_second(get(side, case)),
+                                 items_per_second(get(side, one)), "x") for side in ("lib", "icu")]
+            cores = [cores_busy(get(side, case)) for side in ("lib", "icu")]
+            speedups.append((f"{label} 2 threads vs 1", *speedup, ""))
+            speedups.append(("  cores busy with 2 threads", *cores, ""))
+    if speedups:
+        rows.append(None)
+        rows.append(("speed-up (items/s, 2 threads / 1)", "lib", "ICU", ""))
+        rows.extend(speedups)
+
+    widths = [max(len(r[i]) for r in rows if r) for i in range(4)]
+    for row in rows:
+        if row is None:
+            print()
+            continue
+        line = f"{row[0]:<{widths[0]}}  " + "  ".join(
+            f"{cell:>{w}}" for cell, w in zip(row[1:], widths[1:]))
+        print(line.rstrip())
+
+
+if __name__ == "__main__":
+    main(sys.argv[1])
