@@ -102,6 +102,24 @@ TEST(SearchTuples, RegexFormCountsTheSameAsTheIterator) {
   EXPECT_EQ(steps, 11u);
 }
 
+TEST(SearchTuples, SubjectIsPreparedOnceMoreBeforeTheWalk) {
+  // Found by fuzzing: for text whose preparation is not idempotent (unpaired
+  // surrogates brought together by removing a mark), the tuples come from the
+  // subject prepared twice, while a plain walk sees it prepared once.
+  const std::u16string subject = u"\xD800\u0301\xDC00\u0301a";
+  regex walked(u".", constants::ignore_diacritics);
+  std::size_t steps = 0;
+  for (scl::regex::regex_iterator it(subject, walked); it->start != static_cast<std::size_t>(-1); ++it) {
+    ++steps;
+  }
+  EXPECT_EQ(steps, 3u);  // U+10000, U+0301, "a"
+  std::vector<match_tuple> out;
+  regex_search(subject, u".", out, constants::ignore_diacritics);
+  ASSERT_EQ(out.size(), 2u);  // U+10000, "a"
+  EXPECT_EQ(std::get<0>(out[0]), u"\xD800\xDC00");
+  EXPECT_EQ(std::get<0>(out[1]), u"a");
+}
+
 TEST(SearchTuples, RegexWithoutEngineGivesNoTuples) {
   regex re(u"a", 0);
   regex moved = std::move(re);

@@ -145,6 +145,16 @@ TEST(PrepareText, CallersStringIsNotModified) {
   EXPECT_EQ(text, copy);
 }
 
+TEST(PrepareText, MarkAfterSurrogatesJoinedByRemovalIsKeptAsTheTransliteratorKeepsIt) {
+  // Found by fuzzing. Removing U+0301 brings U+D800 and U+DC00 together; ICU's
+  // transliterator then reads them as one character and keeps the mark after them.
+  const std::u16string text = u"\xD800\u0301\xDC00\u0301";
+  const std::u16string once = prepare_text(text, constants::ignore_diacritics);
+  EXPECT_EQ(once, u"\xD800\xDC00\u0301");
+  // The result is well-formed now, so preparing it again removes that mark.
+  EXPECT_EQ(prepare_text(once, constants::ignore_diacritics), u"\xD800\xDC00");
+}
+
 TEST(PrepareText, LoneSurrogatesPassThrough) {
   const std::u16string lone = u"a\xD800" u"b\xDC00";
   EXPECT_EQ(prepare_text(lone, constants::normalize_nfc), lone);

@@ -217,6 +217,19 @@ TEST(Regex, StrOfNothingAndBeyondTheSubjectIsEmpty) {
   EXPECT_EQ(re.str(1, 5), u"bc");
 }
 
+TEST(Regex, StrTakesPositionsAsSigned32BitValuesPinnedToTheSubject) {
+  // Found by fuzzing; this is how ICU pins substrings, and it is kept.
+  regex re(u"a", 0);
+  re.reset(u"abc");
+  const std::size_t two_to_32 = std::size_t{1} << 32;
+  EXPECT_EQ(re.str(two_to_32, 3), u"abc");      // start cut to 0
+  EXPECT_EQ(re.str(npos, 2), u"ab");            // start -1 counts as 0
+  EXPECT_EQ(re.str(std::size_t{1} << 31, 2), u"ab");  // INT32_MIN counts as 0
+  EXPECT_EQ(re.str(0, two_to_32 + 1), u"a");    // length cut to 1
+  EXPECT_EQ(re.str(1, npos), u"");              // length -1 counts as 0
+  EXPECT_EQ(re.str(3, 5), u"");                 // start at the end
+}
+
 TEST(Regex, ResetFormsAndStringLiteralsAgree) {
   const std::u16string subject = u"a1b2";
   regex re(u"\\d", 0);

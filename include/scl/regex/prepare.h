@@ -20,9 +20,13 @@ SCL_REGEX_API std::u16string prepare_text(const std::u16string& text,
                                           constants::syntax_option_type options);
 
 // Returns `text`, up to its first U+0000, with every non-spacing mark (general
-// category Mn) removed: decomposed (NFD), marks dropped, recomposed (NFC).
-// If ICU cannot build the transformation, returns `text` unchanged (whole).
-// Throws only std::bad_alloc.
+// category Mn) removed: decomposed (NFD), marks dropped, recomposed (NFC); the
+// result of ICU's transliterator "any-NFD; [:Nonspacing_Mark:] any-Remove;
+// any-NFC". One quirk of it is kept: in text with unpaired surrogates, when a
+// removal brings a lead and a trail surrogate together, they are read as one
+// character and the mark right after them stays (so preparing such a result
+// again can change it). If ICU cannot build the transformation, returns `text`
+// unchanged (whole). Throws only std::bad_alloc.
 SCL_REGEX_API std::u16string strip_diacritics(const std::u16string& text);
 
 }  // namespace scl::regex

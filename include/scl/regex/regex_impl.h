@@ -42,7 +42,9 @@ class SCL_REGEX_API regex_impl_abstract {
   // As above, with the subject in a view.
   virtual void reset(const std::u16string_view& subject, constants::syntax_option_type options) = 0;
 
-  // Returns `length` code units of the prepared subject from `start`.
+  // Returns `length` code units of the prepared subject from `start` (the ICU
+  // engine takes both as signed 32-bit values pinned to the subject, and ends
+  // the text at its first U+0000).
   virtual std::u16string str(std::size_t start, std::size_t length) const = 0;
 
   // Returns the next match, or a no-match result; never reports an error.
