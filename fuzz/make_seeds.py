@@ -1,0 +1,209 @@
+#!/usr/bin/env python3
+"""Writes the seed corpus of the fuzz targets: fuzz/corpus/<target>/<name>.
+
+Each seed is laid out as its target reads it (see fuzz_input.h and the comment
+at the top of each target). Run it again after changing a layout:
+    python3 fuzz/make_seeds.py
+"""
+import pathlib
+import shutil
+import struct
+
+CASE_INSENSITIVE, NFC, NO_DIACRITICS = 0x1, 0x2, 0x4
+
+
+def units(text):
+    """The fuzz input bytes for `text`, one UTF-16 unit at a time."""
+    out = bytearray()
+    data = text.encode("utf-16-le", "surrogatepass")
+    for i in range(0, len(data), 2):
+        unit = data[i] | data[i + 1] << 8
+        if unit < 0x80:
+            out.append(unit)
+        elif 0x300 <= unit <= 0x36F:
+            out.append(0x80 + unit - 0x300)
+        else:
+            out += bytes([0xF0, unit >> 8, unit & 0xFF])
+    return bytes(out)
+
+
+def text(value):
+    """A length-prefixed text."""
+    count = len(value.encode("utf-16-le", "surrogatepass")) // 2
+    assert count < 256
+    return bytes([count]) + units(value)
+
+
+def raw(value):
+    """A length-prefixed string of bytes."""
+    return bytes([len(value)]) + value
+
+
+def u8(value):
+    return bytes([value & 0xFF])
+
+
+def u32(value):
+    return struct.pack("<I", value & 0xFFFFFFFF)
+
+
+LONE_LEAD, LONE_TRAIL = "\ud800", "\udc00"
+GRIN = "\U0001F600"
+
+SEEDS = {
+    "fuzz_prepare": {
+        "accents": u32(NO_DIACRITICS) + units("Caf\u00e9 cre\u0300me \u1e0a\u0323"),
+        "nfc": u32(NFC) + units("e\u0301 \u212b \u1100\u1161\u11a8 \u0f73"),
+        "both": u32(NFC | NO_DIACRITICS) + units("A\u030a\u0323 \u00c5 \u0958"),
+        "nul": u32(NFC) + units("e\u0301\0e\u0301"),
+        "surrogates": u32(NO_DIACRITICS) + units(LONE_LEAD + "x\u0301" + LONE_TRAIL + GRIN + "\u0300"),
+        "marks_only": u32(NO_DIACRITICS) + units("\u0300\u0301\u0345\u05b0\u064b"),
+        "spacing_marks": u32(NFC | NO_DIACRITICS) + units("\u0bc6\u0bbe \u0915\u093c"),
+        "case_letters": u32(CASE_INSENSITIVE) + units("\u0130\u0131\u00df\u1e9e\ufb03"),
+    },
+    "fuzz_compile": {
+        "plain": u32(0) + u8(0) + u32(0) + units("(\\d{4})-(\\d{2})"),
+        "named": u32(0) + u8(1) + u32(3) + units("(?<year>\\d+)-(?<month>\\d+)"),
+        "mismatched_paren": u32(0) + u8(2) + u32(0x10306) + units("(a"),
+        "bad_escape": u32(CASE_INSENSITIVE) + u8(3) + u32(1) + units("\\k"),
+        "bad_interval": u32(0) + u8(4) + u32(0xFFFF) + units("a{2,1}"),
+        "lookbehind": u32(0) + u8(1) + u32(20) + units("(?<=a*)b"),
+        "bad_name": u32(0) + u8(1) + u32(22) + units("(?<1a>x)"),
+        "accents": u32(CASE_INSENSITIVE | NO_DIACRITICS) + u8(0) + u32(0) + units("caf\u00e9 cre\u0300me"),
+        "nul": u32(NFC) + u8(0) + u32(1) + units("a\0("),
+        "surrogates": u32(0) + u8(1) + u32(14) + units("[" + LONE_LEAD + "-" + GRIN + "]"),
+        "mark_after_backslash": u32(NO_DIACRITICS) + u8(0) + u32(0) + units("\\\u0301"),
+        "property": u32(0) + u8(1) + u32(4) + units("\\p{Nonspacing_Mark}+\\p{Bogus}"),
+    },
+    "fuzz_handle_search": {
+        "date": u32(0) + text("(\\d{4})-(\\d{2})") + units("due 2026-11"),
+        "whole": u32(0) + text("\\d+") + units("2026"),
+        "accents": u32(CASE_INSENSITIVE | NO_DIACRITICS) + text("cafe") + units("Caf\u00e9!"),
+        "nfc": u32(NFC) + text("e\u0301") + units("caf\u00e9"),
+        "nul": u32(0) + text("b") + units("a\0b"),
+        "nul_in_pattern": u32(0) + text("a\0b") + units("a"),
+        "groups": u32(0) + text("(a)|(b)(c)?") + units("xbz"),
+        "named": u32(0) + text("(?<w>\\w+) (?<n>\\d+)") + units("caf\u00e9 12"),
+        "surrogates": u32(0) + text(GRIN + "|" + LONE_TRAIL) + units("x" + LONE_TRAIL + GRIN),
+        "marks": u32(NFC | NO_DIACRITICS) + text("a.") + units("a\u0301\u0302\u0303b\u0300"),
+    },
+    "fuzz_handle_replace": {
+        "date": u32(0) + u8(255) + u8(0) + text("(\\d{4})-(\\d{2})") + text("$2/$1")
+        + text("${x}") + units("2026-11 and 2027-01"),
+        "digits_stop": u32(0) + u8(0) + u8(1) + text("[0-9]") + text("#") + text("\\$")
+        + units("a1b2c"),
+        "truncate": u32(0) + u8(1) + u8(2) + text("[0-9]") + text("$0!") + text("") + units("a1b2c3"),
+        "seven": u32(0) + u8(0) + u8(3) + text("[0-9]") + text("#") + text("#") + units("a1b2c"),
+        "empty_matches": u32(0) + u8(255) + u8(0) + text("x*") + text("-") + text("$0")
+        + units("abc"),
+        "named": u32(CASE_INSENSITIVE) + u8(255) + u8(0) + text("(?<word>\\w+)")
+        + text("<${word}>") + text("$9") + units("Caf\u00e9 cr\u00e8me"),
+        "nul": u32(0) + u8(255) + u8(0) + text("b") + text("[$0]") + text("\\u0000")
+        + units("ab\0b"),
+        "accents": u32(NO_DIACRITICS) + u8(255) + u8(0) + text("e") + text("E") + text("$0")
+        + units("e\u0301 \u00e9 e"),
+        "surrogates": u32(0) + u8(255) + u8(0) + text(".") + text("$0$0") + text("x")
+        + units(GRIN + LONE_LEAD + "a"),
+    },
+    "fuzz_oneshot_replace": {
+        "accents": u32(CASE_INSENSITIVE | NO_DIACRITICS) + text("cafe") + text("tea")
+        + units("Caf\u00e9 cr\u00e8me"),
+        "groups": u32(0) + text("(\\d{4})-(\\d{2})") + text("$2/$1") + units("2026-11 and 2027-01"),
+        "dollar": u32(0) + text("a") + text("\\$") + units("banana"),
+        "bad_replacement": u32(0) + text("a") + text("$x") + units("aaa"),
+        "bad_pattern": u32(NFC) + text("(") + text("x") + units("e\u0301(\0rest"),
+        "nul": u32(0) + text("a") + text("b") + units("aa\0aa"),
+        "surrogates": u32(0) + text(LONE_LEAD) + text(GRIN) + units(LONE_LEAD + "x" + LONE_LEAD),
+        "marks": u32(NFC) + text("\u00e9") + text("[$0]") + units("e\u0301\u0323 \u00e9"),
+        # For the UTF-8 form the field bytes are read as UTF-8: these are ill-formed.
+        "invalid_utf8": u32(0) + bytes([2, 0xF0, 0x9F]) + text("#") + bytes([0xC3, 0xA9, 0xFF, 0x80, 0x61]),
+        "utf8_accents": u32(CASE_INSENSITIVE) + raw("\u00e9".encode()) + raw(b"e")
+        + "caf\u00e9 CAF\u00c9".encode(),
+    },
+    "fuzz_escape": {
+        "syntax_characters": u32(0) + units("-[]{}()*+?.,\\^$|#"),
+        "white_space": u32(0) + units("a b\tc\u00a0d\u2028e\u3000"),
+        "sentence": u32(CASE_INSENSITIVE) + units("1+1=2? (yes) $5 \\o/"),
+        "accents": u32(NO_DIACRITICS) + units("caf\u00e9 (cr\u00e8me) .\u0301"),
+        "nfc": u32(NFC) + units("e\u0301 \u212b ($)"),
+        "nul": u32(0) + units("a.b\0c.d"),
+        "surrogates": u32(0) + units(GRIN + "." + LONE_LEAD + "*" + LONE_TRAIL),
+        "backslashes": u32(0) + units("\\Q.\\E \\u0041 \\\\"),
+        "case": u32(CASE_INSENSITIVE) + units("Stra\u00dfe \u0130stanbul \u212a \ufb03"),
+    },
+    "fuzz_regex_walk": {
+        "named": u32(NO_DIACRITICS) + u8(0) + raw(b"word") + raw(b"n") + u8(2) + u8(1)
+        + u8(0) + u32(0) + u32(5) + text("(?<word>\\w+) (?<n>\\d+)")
+        + units("Caf\u00e9 12, cr\u00e8me 7"),
+        "digits": u32(0) + u8(0b0101) + raw(b"0") + raw(b"2x") + u8(0xFF) + u8(0)
+        + u8(0) + u32(1) + u32(2) + text("\\d+") + units("a1b22"),
+        "empty_matches": u32(0) + u8(0b0010) + raw(b"") + raw(b"x") + u8(3) + u8(0)
+        + u8(0) + u32(2) + u32(1) + text("a*") + units("baaac"),
+        "optional_groups": u32(CASE_INSENSITIVE) + u8(0b1011) + raw(b"a") + raw(b"-1") + u8(1)
+        + u8(2) + u8(0) + u32(0) + u32(3) + text("(?<a>x)|(y)") + units("XyY"),
+        "nul": u32(0) + u8(0b1000) + raw(b"1") + raw(b"9") + u8(1) + u8(0) + u8(0) + u32(0)
+        + u32(9) + text("b") + units("ab\0b"),
+        "pointer_nul": u32(0) + u8(0b1011) + raw(b"g") + raw(b"0") + u8(0) + u8(0) + u8(0)
+        + u32(0) + u32(1) + text("(?<g>.)\0(") + units("xy\0z"),
+        "nfc_length": u32(NFC) + u8(0) + raw(b"") + raw(b"") + u8(0) + u8(0) + u8(0) + u32(0)
+        + u32(4) + text("\u00e9") + units("e\u0301x\u00e9"),
+        "names_in_subject": u32(0) + u8(0) + raw(b"year") + raw(b"") + u8(0) + u8(1) + u8(0)
+        + u32(0) + u32(4) + text("(?<year>\\d+)") + units("(?<x1>a) 2026 ?<Bad-name>"),
+        "surrogates": u32(CASE_INSENSITIVE) + u8(0) + raw(b"\xff") + raw(b"") + u8(0) + u8(0)
+        + u8(0) + u32(0) + u32(2) + text(".") + units(GRIN + LONE_LEAD + LONE_TRAIL),
+        "far_probe": u32(0) + u8(0) + raw(b"") + raw(b"") + u8(0) + u8(0) + u8(0b0110) + u32(0)
+        + u32(3) + text("a") + units("abc"),
+    },
+}
+
+
+# Long texts: preparing more than 1024 units takes another path.
+LONG = "e\u0301xy" * 350  # 1400 units, 1050 in NFC
+SEEDS["fuzz_prepare"]["long_nfc"] = u32(NFC | NO_DIACRITICS) + units(LONG)
+SEEDS["fuzz_handle_search"]["long_nfc"] = u32(NFC) + text("(e\u0301|\u00e9)xy$") + units(LONG)
+SEEDS["fuzz_regex_walk"]["long_nfc"] = (
+    u32(NFC) + u8(0) + raw(b"") + raw(b"") + u8(0) + u8(0) + u8(0) + u32(1200) + u32(9)
+    + text("\u00e9xy") + units(LONG))
+
+# Inputs that once broke a property, kept so that they can be run again:
+#   build/fuzz/fuzz/<target> fuzz/regressions/<target>/*
+REGRESSIONS = {
+    "fuzz_prepare": {
+        # prepare_text(D800 0301 DC00 0301, ignore_diacritics) gives D800 DC00 0301: removing
+        # the first mark joins the surrogates, and the mark after them is kept.
+        "mark_after_joined_surrogates": u32(NO_DIACRITICS)
+        + units(LONE_LEAD + "\u0301" + LONE_TRAIL + "\u0301"),
+    },
+    "fuzz_regex_walk": {
+        # regex_search(re, subject, tuples) prepares the subject twice: "." over D800 0301 DC00
+        # 0301 "a" with ignore_diacritics gives 2 tuples, the walk over the regex gives 3 matches.
+        "tuples_prepare_twice": u32(NO_DIACRITICS) + u8(0) + raw(b"") + raw(b"") + u8(0) + u8(0)
+        + u8(0) + u32(0) + u32(1) + text(".") + units(LONE_LEAD + "\u0301" + LONE_TRAIL + "\u0301a"),
+        # regex::str(2^32, 3) on the subject "abc" gives "abc" instead of "".
+        "str_start_beyond_32_bits": u32(0) + u8(0) + raw(b"") + raw(b"") + u8(0) + u8(0)
+        + u8(2 | 0 << 2) + u32(0) + u32(3) + text("a") + units("abc"),
+        # regex::str(0, 2^32 + 1) on the subject "abc" gives "a" instead of "abc".
+        "str_length_beyond_32_bits": u32(0) + u8(0) + raw(b"") + raw(b"") + u8(0) + u8(0)
+        + u8(0 | 2 << 2) + u32(0) + u32(1) + text("a") + units("abc"),
+    },
+}
+
+
+def write(root, groups):
+    for target, files in groups.items():
+        folder = root / target
+        shutil.rmtree(folder, ignore_errors=True)
+        folder.mkdir(parents=True)
+        for name, data in files.items():
+            (folder / name).write_bytes(data)
+        print(f"{folder}: {len(files)} files")
+
+
+def main():
+    here = pathlib.Path(__file__).resolve().parent
+    write(here / "corpus", SEEDS)
+    write(here / "regressions", REGRESSIONS)
+
+
+if __name__ == "__main__":
+    main()
