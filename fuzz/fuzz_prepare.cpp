@@ -18,11 +18,9 @@
 // - Preparing prepared well-formed text changes nothing (regex_search into
 //   tuples, for one, prepares its subject twice).
 #include <cstdint>
-#include <memory>
 #include <string>
 
 #include <unicode/normalizer2.h>
-#include <unicode/translit.h>
 #include <unicode/uchar.h>
 #include <unicode/unistr.h>
 #include <unicode/utf16.h>
@@ -30,6 +28,7 @@
 #include <scl/regex.h>
 
 #include "fuzz_input.h"
+#include "support/literal_mechanisms.h"
 
 namespace re = scl::regex;
 
@@ -90,20 +89,11 @@ std::u16string without_marks(const std::u16string& text) {
 }
 
 // ICU's transliterator itself, which the removal of diacritics reproduces for
-// every text, unpaired surrogates included. One per process: the fuzzer runs
-// on one thread.
+// every text, unpaired surrogates included (the test suite's oracle).
 std::u16string transliterated(const std::u16string& text) {
-  static const std::unique_ptr<icu::Transliterator> remove_marks = [] {
-    UErrorCode status = U_ZERO_ERROR;
-    std::unique_ptr<icu::Transliterator> created(icu::Transliterator::createInstance(
-        icu::UnicodeString(u"any-NFD; [:Nonspacing_Mark:] any-Remove; any-NFC"), UTRANS_FORWARD,
-        status));
-    FUZZ_CHECK(U_SUCCESS(status));
-    return created;
-  }();
-  icu::UnicodeString work(text.c_str());
-  remove_marks->transliterate(work);
-  return std::u16string(work.getTerminatedBuffer());
+  static const scl_regex_test::LiteralMarkRemoval remove_marks;
+  FUZZ_CHECK(remove_marks.ready());
+  return remove_marks(text);
 }
 
 }  // namespace
