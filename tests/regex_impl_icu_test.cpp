@@ -330,6 +330,20 @@ TEST(IcuEngineStackOverflow, SecondOverflowIsFinal) {
   EXPECT_EQ(static_cast<icu::RegexMatcher*>(engine.matcher.get())->getStackLimit(), 32000000);
 }
 
+TEST(IcuEngineStackOverflow, RetryAfterEarlierMatchesStartsAgainAtTheBeginning) {
+  // ICU rewinds a matcher whose stack limit changes, so the retried search
+  // meets the earlier match "b" once more before the long run of "a".
+  regex_impl_icu engine;
+  engine.init(u"b|(a|aa)+$"s, 0);
+  engine.reset(u"b" + fits_after_doubling(), 0);
+  std::vector<std::pair<std::size_t, std::size_t>> spans;
+  for (regex_result m = engine.match(constants::retry_on_stack_overflow); m.start != npos;
+       m = engine.match(constants::retry_on_stack_overflow)) {
+    spans.emplace_back(m.start, m.end);
+  }
+  EXPECT_EQ(spans, (std::vector<std::pair<std::size_t, std::size_t>>{{0, 1}, {0, 1}, {1, 300001}}));
+}
+
 TEST(IcuEngineStackOverflow, OtherFlagBitsDoNotRetry) {
   regex_impl_icu engine;
   engine.init(u"(a|aa)+$"s, 0);

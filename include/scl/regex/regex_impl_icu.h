@@ -41,7 +41,10 @@ class SCL_REGEX_API regex_impl_icu : public regex_impl_abstract {
   void reset(const std::u16string_view& subject, constants::syntax_option_type options) override;
   std::u16string str(std::size_t start, std::size_t length) const override;
   // With constants::retry_on_stack_overflow in `match_flags`, a search that
-  // overflows ICU's backtrack stack is tried once more with the limit doubled.
+  // overflows ICU's backtrack stack is tried once more with the limit doubled
+  // (the new limit stays). ICU rewinds the matcher when its limit changes, so
+  // that second search starts at the beginning of the subject: after earlier
+  // matches, the walk meets them again.
   regex_result match(std::uint32_t match_flags) override;
   void getGroups(std::vector<group_result>& groups) const override;
   std::u16string replace(const std::u16string& subject_text,
