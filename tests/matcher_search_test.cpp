@@ -190,6 +190,15 @@ TEST(GetGroup, TextEndsAtFirstNulOfTheGroup) {
   EXPECT_EQ(get_group(handle, 1), u"ab");
 }
 
+TEST(GetGroup, MatchEndingInsideASurrogatePairGivesWholeCodePoints) {
+  // Found by fuzzing: the pattern's lone lead surrogate matches the lead half of
+  // the subject's pair U+1F6DE, so ICU's match ends between its halves; ICU's
+  // group text holds whole code points only, and get_group gives it as it is.
+  const matcher_ptr handle = createMatcher(u"=\xDE78\xDC00\xD83D", 0);
+  ASSERT_TRUE(regex_search(handle, u"|=\xDE78\xDC00\xD83D\xDEDE", false));
+  EXPECT_EQ(get_group(handle, 0), u"=\xDE78\xDC00");
+}
+
 TEST(GetGroup, NewSearchReplacesTheKeptSubject) {
   const matcher_ptr handle = createMatcher(u"(\\d+)", 0);
   ASSERT_TRUE(regex_search(handle, u"a1", false));
