@@ -54,6 +54,16 @@ class Identity {
       const std::u16string actual = scl::regex::prepare_text(text, options);
       if (actual != expected) differences += report("prepare_text", options, text, expected, actual);
     }
+    // A handle search copies text that preparation would keep straight in, and
+    // prepares the rest: either way it must search exactly the prepared text.
+    for (std::size_t i = 0; i < 4; ++i) {
+      const std::u16string expected = scl::regex::prepare_text(text, kSearchOptions[i]);
+      const std::u16string searched =
+          scl::regex::regex_search(everything_[i], text, false) ? scl::regex::get_group(everything_[i], 0) : u"?";
+      if (searched != expected.substr(0, expected.find(u'\0'))) {
+        differences += report("regex_search", kSearchOptions[i], text, expected, searched);
+      }
+    }
     const std::u16string stripped = scl::regex::strip_diacritics(text);
     if (stripped != strip_(text)) differences += report("strip_diacritics", 0, text, strip_(text), stripped);
     const std::u16string escaped = scl::regex::regex_escape(text);
@@ -71,8 +81,13 @@ class Identity {
     }
     return 1;
   }
+  static constexpr uint32_t kSearchOptions[4] = {0x0, 0x2, 0x4, 0x6};
   LiteralMarkRemoval strip_;
   LiteralEscape escape_;
+  // ".*" (with "." matching line ends) takes the whole searched text as its match.
+  const scl::regex::matcher_ptr everything_[4] = {
+      scl::regex::createMatcher(u".*", 0x0), scl::regex::createMatcher(u".*", 0x2),
+      scl::regex::createMatcher(u".*", 0x4), scl::regex::createMatcher(u".*", 0x6)};
   int reported_ = 0;
 };
 

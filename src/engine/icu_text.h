@@ -33,6 +33,22 @@ inline std::size_t units_before_nul(const char16_t* text, std::size_t length) no
   return at;
 }
 
+// Copies the units at `from` into `to` up to the first U+0000 among `length`
+// of them, in one pass, four units per step; returns how many it copied.
+inline std::size_t copy_until_nul(char16_t* to, const char16_t* from, std::size_t length) noexcept {
+  constexpr std::uint64_t ones = 0x0001000100010001u;
+  constexpr std::uint64_t highs = 0x8000800080008000u;
+  std::size_t at = 0;
+  for (; at + 4 <= length; at += 4) {
+    std::uint64_t word;
+    std::memcpy(&word, from + at, sizeof word);
+    if (((word - ones) & ~word & highs) != 0) break;
+    std::memcpy(to + at, &word, sizeof word);
+  }
+  for (; at < length && from[at] != u'\0'; ++at) to[at] = from[at];
+  return at;
+}
+
 // The length of the text up to its first U+0000 (cut to 32 bits).
 inline int32_t length_until_nul(const std::u16string& text) {
   return static_cast<int32_t>(units_before_nul(text.data(), text.size()));

@@ -2,6 +2,7 @@
 // to patterns before compiling and to subjects before searching.
 #include <array>
 
+#include "engine/prepare_internal.h"
 #include "i18n/host_i18n.h"
 #include "scl/regex/prepare.h"
 
@@ -48,6 +49,15 @@ std::u16string nfc_form(const std::u16string& text) {
 }
 
 }  // namespace
+
+bool detail::preparation_keeps(const char16_t* text, int32_t length,
+                               constants::syntax_option_type options) {
+  if ((options & constants::ignore_diacritics) != 0) return diacritics_removal_keeps(text, length);
+  if ((options & constants::normalize_nfc) != 0) {
+    return i18n::nfc_span(text, static_cast<std::size_t>(length)) == static_cast<std::size_t>(length);
+  }
+  return true;
+}
 
 std::u16string prepare_text(const std::u16string& text, constants::syntax_option_type options) {
   // Removing diacritics decomposes the text first, and NFD(NFC(t)) == NFD(t);

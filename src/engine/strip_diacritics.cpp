@@ -19,6 +19,7 @@
 #include <unicode/utf16.h>
 
 #include "engine/icu_text.h"
+#include "engine/prepare_internal.h"
 #include "scl/regex/prepare.h"
 
 namespace scl::regex {
@@ -90,7 +91,22 @@ std::u16string transliterate(const std::u16string& text) {
   return buffer != nullptr ? std::u16string(buffer) : text;
 }
 
+// True if the steps certainly leave the well-formed `input` as it is.
+bool steps_keep(const mark_removal& steps, const icu::UnicodeString& input) {
+  const int32_t length = input.length();
+  UErrorCode status = U_ZERO_ERROR;
+  return steps.nfd->spanQuickCheckYes(input, status) == length &&
+         steps.marks.span(input.getBuffer(), length, USET_SPAN_NOT_CONTAINED) == length &&
+         steps.nfc->spanQuickCheckYes(input, status) == length && U_SUCCESS(status);
+}
+
 }  // namespace
+
+bool detail::diacritics_removal_keeps(const char16_t* text, int32_t length) {
+  const mark_removal& steps = removal();
+  return steps.ready && !has_unpaired_surrogate(text, length) &&
+         steps_keep(steps, icu::UnicodeString(false, text, length));
+}
 
 std::u16string strip_diacritics(const std::u16string& text) {
   const mark_removal& steps = removal();
@@ -100,13 +116,9 @@ std::u16string strip_diacritics(const std::u16string& text) {
   const int32_t length = detail::length_until_nul(text);
   if (has_unpaired_surrogate(text.c_str(), length)) return transliterate(text);
   const icu::UnicodeString input(false, text.c_str(), length);
-  UErrorCode status = U_ZERO_ERROR;
-  const bool unchanged = steps.nfd->spanQuickCheckYes(input, status) == length &&
-                         steps.marks.span(text.c_str(), length, USET_SPAN_NOT_CONTAINED) == length &&
-                         steps.nfc->spanQuickCheckYes(input, status) == length;
-  if (U_SUCCESS(status) && unchanged) return text.substr(0, static_cast<std::size_t>(length));
+  if (steps_keep(steps, input)) return text.substr(0, static_cast<std::size_t>(length));
 
-  status = U_ZERO_ERROR;
+  UErrorCode status = U_ZERO_ERROR;
   const icu::UnicodeString decomposed = steps.nfd->normalize(input, status);
   icu::UnicodeString result = steps.nfc->normalize(without(decomposed, steps.marks), status);
   if (U_FAILURE(status)) return text;

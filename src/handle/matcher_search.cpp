@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "engine/icu_text.h"
+#include "engine/prepare_internal.h"
 #include "handle/matcher_storage.h"
 #include "scl/regex/matcher_search.h"
 #include "scl/regex/prepare.h"
@@ -15,9 +16,14 @@ bool regex_search(const matcher_ptr& handle, const std::u16string& subject, bool
   // The subject is prepared as the pattern was, and kept beside the matcher so
   // that get_group can read the match after this call returns. It ends at its
   // first U+0000. Without preparation it is copied straight into the slot.
+  // Text that preparation would give back unchanged (the common case) is
+  // copied straight in, without a prepared copy first.
   const constants::syntax_option_type options = handle.get_deleter().options;
   if ((options & (constants::normalize_nfc | constants::ignore_diacritics)) == 0) {
-    detail::reset_onto(*matcher, subject.c_str(), detail::length_until_nul(subject));
+    detail::reset_onto_until_nul(*matcher, subject);
+  } else if (const int32_t length = detail::length_until_nul(subject);
+             detail::preparation_keeps(subject.c_str(), length, options)) {
+    detail::reset_onto(*matcher, subject.c_str(), length);
   } else {
     const std::u16string prepared = prepare_text(subject, options);
     detail::reset_onto(*matcher, prepared.c_str(), detail::length_until_nul(prepared));

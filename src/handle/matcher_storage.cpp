@@ -2,7 +2,11 @@
 
 #include <cstddef>
 
+#include <new>
+
 #include <unicode/uobject.h>
+
+#include "engine/icu_text.h"
 
 namespace scl::regex::detail {
 namespace {
@@ -47,6 +51,16 @@ icu::UnicodeString& subject_slot(icu::RegexMatcher& matcher) noexcept {
 void reset_onto(icu::RegexMatcher& matcher, const char16_t* text, int32_t length) {
   icu::UnicodeString& slot = subject_slot(matcher);
   slot.setTo(text, length);
+  matcher.reset(slot);
+}
+
+void reset_onto_until_nul(icu::RegexMatcher& matcher, const std::u16string& text) {
+  icu::UnicodeString& slot = subject_slot(matcher);
+  const auto capacity = static_cast<int32_t>(text.size());
+  char16_t* buffer = slot.getBuffer(capacity);
+  if (buffer == nullptr) throw std::bad_alloc();
+  const std::size_t copied = copy_until_nul(buffer, text.data(), static_cast<std::size_t>(capacity));
+  slot.releaseBuffer(static_cast<int32_t>(copied));
   matcher.reset(slot);
 }
 

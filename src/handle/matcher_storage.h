@@ -33,6 +33,10 @@ icu::UnicodeString& subject_slot(icu::RegexMatcher& matcher) noexcept;
 // buffer) and resets the matcher onto it; the previous match is discarded.
 void reset_onto(icu::RegexMatcher& matcher, const char16_t* text, int32_t length);
 
+// The same with `text` up to its first U+0000, found while copying.
+// Throws std::bad_alloc if the slot cannot grow.
+void reset_onto_until_nul(icu::RegexMatcher& matcher, const std::u16string& text);
+
 // The ICU matcher of a handle, or null for an empty handle.
 inline icu::RegexMatcher* icu_matcher(const matcher_ptr& handle) noexcept {
   return static_cast<icu::RegexMatcher*>(handle.get());
