@@ -25,6 +25,11 @@ void* slot_address(void* storage) noexcept {
   return static_cast<unsigned char*>(storage) + kSlotOffset;
 }
 
+// The subject slot of a matcher made by new_matcher.
+icu::UnicodeString& subject_slot(icu::RegexMatcher& matcher) noexcept {
+  return *static_cast<icu::UnicodeString*>(slot_address(&matcher));
+}
+
 }  // namespace
 
 icu::RegexMatcher* new_matcher(const icu::UnicodeString& pattern, std::uint32_t flags,
@@ -42,10 +47,6 @@ void delete_matcher(icu::RegexMatcher* matcher) noexcept {
   matcher->~RegexMatcher();
   static_cast<icu::UnicodeString*>(slot_address(storage))->~UnicodeString();
   icu::UMemory::operator delete(storage);
-}
-
-icu::UnicodeString& subject_slot(icu::RegexMatcher& matcher) noexcept {
-  return *static_cast<icu::UnicodeString*>(slot_address(&matcher));
 }
 
 void reset_onto(icu::RegexMatcher& matcher, const char16_t* text, int32_t length) {

@@ -26,9 +26,6 @@ icu::RegexMatcher* new_matcher(const icu::UnicodeString& pattern, std::uint32_t 
 // Destroys a matcher made by new_matcher, its subject slot, and frees the storage.
 void delete_matcher(icu::RegexMatcher* matcher) noexcept;
 
-// The subject slot of a matcher made by new_matcher.
-icu::UnicodeString& subject_slot(icu::RegexMatcher& matcher) noexcept;
-
 // Copies `length` units at `text` into the matcher's subject slot (reusing its
 // buffer) and resets the matcher onto it; the previous match is discarded.
 void reset_onto(icu::RegexMatcher& matcher, const char16_t* text, int32_t length);
