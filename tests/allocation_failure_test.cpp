@@ -14,6 +14,7 @@ namespace {
 
 std::atomic<bool> fail_next_icu_allocation{false};
 std::atomic<long> icu_live_blocks{0};
+std::atomic<long> icu_frees{0};
 std::atomic<bool> throw_on_next_new{false};
 
 void* icu_alloc(const void*, size_t size) {
@@ -30,7 +31,10 @@ void* icu_realloc(const void*, void* p, size_t size) {
 }
 
 void icu_free(const void*, void* p) {
-  if (p != nullptr) --icu_live_blocks;
+  if (p != nullptr) {
+    --icu_live_blocks;
+    ++icu_frees;
+  }
   std::free(p);
 }
 
@@ -89,6 +93,22 @@ TEST(AllocationFailure, DestroyingHandlesReturnsAllMatcherStorage) {
     handle.reset();  // a moved-from handle deletes nothing
   }
   EXPECT_EQ(icu_live_blocks, before);
+}
+
+TEST(AllocationFailure, DestroyingEmptyOrMovedFromHandlesFreesNothing) {
+  scl::regex::matcher_ptr live = createMatcher(u"a", 0);
+  const long frees = icu_frees;
+  {
+    scl::regex::matcher_ptr empty;
+    scl::regex::matcher_ptr moved_from = std::move(live);
+    live = std::move(moved_from);  // moved_from is empty again when it goes
+    const scl::regex::detail::matcher_destroyer destroyer{0x3};
+    destroyer(nullptr);
+  }
+  EXPECT_EQ(icu_frees, frees);
+  ASSERT_NE(live.get(), nullptr);
+  live.reset();
+  EXPECT_GT(icu_frees, frees);  // the one real handle does free its matcher
 }
 
 TEST(AllocationFailure, BadAllocWhilePreparingPatternPropagatesAndLeaksNothing) {

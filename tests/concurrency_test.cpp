@@ -1,12 +1,10 @@
 // The free functions run on many threads at once; each thread owns its own
 // handles and regex objects. Every result is checked. Built and run under
 // ThreadSanitizer as well.
-#include <atomic>
 #include <cstring>
 #include <functional>
 #include <memory>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -15,6 +13,8 @@
 #include <unicode/translit.h>
 
 #include <scl/regex.h>
+
+#include "support/threads.h"
 
 namespace {
 
@@ -43,21 +43,8 @@ const testing::Environment* const kIcuSetUp = testing::AddGlobalTestEnvironment(
 constexpr int kThreads = 8;
 constexpr int kRounds = 40;
 
-// Runs `work(thread, round)` on kThreads threads started together; each call
-// returns the number of wrong results it saw.
 int run_on_threads(const std::function<int(int, int)>& work) {
-  std::atomic<int> ready{0};
-  std::atomic<int> wrong{0};
-  std::vector<std::thread> threads;
-  for (int t = 0; t < kThreads; ++t) {
-    threads.emplace_back([&, t] {
-      ++ready;
-      while (ready < kThreads) std::this_thread::yield();
-      for (int round = 0; round < kRounds; ++round) wrong += work(t, round);
-    });
-  }
-  for (auto& thread : threads) thread.join();
-  return wrong;
+  return scl_regex_test::run_on_threads(kThreads, kRounds, work);
 }
 
 // A subject that differs per thread and round, so results cannot be shared by accident.

@@ -1,13 +1,12 @@
 // Many threads ask for messages at once, the very first time in the process.
-#include <atomic>
 #include <cstdint>
 #include <cstring>
-#include <thread>
-#include <vector>
 
 #include <gtest/gtest.h>
 
 #include <scl/regex.h>
+
+#include "support/threads.h"
 
 TEST(MessagesConcurrentFirstUse, EveryThreadGetsTheRightText) {
   struct Row {
@@ -24,21 +23,10 @@ TEST(MessagesConcurrentFirstUse, EveryThreadGetsTheRightText) {
       {0x10315, "Invalid capture group name."},
       {0x10312, "Maximum allowed match time exceeded"},
   };
-  constexpr int kThreads = 16;
-  std::atomic<int> ready{0};
-  std::atomic<int> wrong{0};
-  std::vector<std::thread> threads;
-  for (int t = 0; t < kThreads; ++t) {
-    threads.emplace_back([&, t] {
-      ++ready;
-      while (ready < kThreads) std::this_thread::yield();  // start together
-      for (int i = 0; i < 200; ++i) {
-        const Row& row = rows[(t + i) % (sizeof rows / sizeof rows[0])];
-        if (std::strcmp(scl::regex::regex_exception(row.code).what(), row.message) != 0) ++wrong;
-      }
-    });
-  }
-  for (auto& thread : threads) thread.join();
+  const int wrong = scl_regex_test::run_on_threads(16, 200, [](int thread, int round) {
+    const Row& row = rows[static_cast<std::size_t>(thread + round) % (sizeof rows / sizeof rows[0])];
+    return std::strcmp(scl::regex::regex_exception(row.code).what(), row.message) != 0 ? 1 : 0;
+  });
   EXPECT_EQ(wrong, 0);
 }
 

@@ -1,6 +1,5 @@
 // Search and group access on a matcher handle.
 #include <string>
-#include <utility>
 
 #include "engine/icu_text.h"
 #include "engine/prepare_internal.h"
@@ -13,11 +12,10 @@ namespace scl::regex {
 bool regex_search(const matcher_ptr& handle, const std::u16string& subject, bool whole) {
   icu::RegexMatcher* matcher = detail::icu_matcher(handle);
   if (matcher == nullptr) return false;
-  // The subject is prepared as the pattern was, and kept beside the matcher so
-  // that get_group can read the match after this call returns. It ends at its
-  // first U+0000. Without preparation it is copied straight into the slot.
-  // Text that preparation would give back unchanged (the common case) is
-  // copied straight in, without a prepared copy first.
+  // The subject, ending at its first U+0000, is prepared as the pattern was and
+  // kept beside the matcher, so that get_group can read the match after this
+  // call returns. Text that preparation would give back unchanged (always
+  // without preparation bits; commonly with them) is copied straight in.
   const constants::syntax_option_type options = handle.get_deleter().options;
   if ((options & (constants::normalize_nfc | constants::ignore_diacritics)) == 0) {
     detail::reset_onto_until_nul(*matcher, subject);
