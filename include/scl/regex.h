@@ -11,10 +11,12 @@
 #include <scl/regex/matcher.h>
 #include <scl/regex/matcher_replace.h>
 #include <scl/regex/matcher_search.h>
+#include <scl/regex/npos.h>
 #include <scl/regex/oneshot_replace.h>
 #include <scl/regex/oneshot_search.h>
 #include <scl/regex/options.h>
 #include <scl/regex/prepare.h>
+#include <scl/regex/prepared_text.h>
 #include <scl/regex/regex_class.h>
 #include <scl/regex/regex_impl.h>
 #include <scl/regex/regex_iterator.h>

@@ -2,8 +2,8 @@
 #include <string>
 
 #include "engine/icu_text.h"
-#include "engine/prepare_internal.h"
 #include "handle/matcher_storage.h"
+#include "prepare/prepare_pass.h"
 #include "scl/regex/matcher_search.h"
 #include "scl/regex/prepare.h"
 
@@ -20,7 +20,7 @@ bool regex_search(const matcher_ptr& handle, const std::u16string& subject, bool
   if ((options & (constants::normalize_nfc | constants::ignore_diacritics)) == 0) {
     detail::reset_onto_until_nul(*matcher, subject);
   } else if (const int32_t length = detail::length_until_nul(subject);
-             detail::preparation_keeps(subject.c_str(), length, options)) {
+             detail::preparation_keeps(subject.c_str(), static_cast<std::size_t>(length), options)) {
     detail::reset_onto(*matcher, subject.c_str(), length);
   } else {
     const std::u16string prepared = prepare_text(subject, options);

@@ -1,0 +1,386 @@
+// Preparation in one pass over the text.
+//
+// Removing diacritics reads each character's fixed result from the mark table
+// and copies it out; only where a character may combine with what precedes it
+// does the pass hand that stretch (from the last NFC boundary to the next) to
+// ICU's normalisers. NFC alone copies what ICU's quick check passes and
+// normalises the rest one stretch between boundaries at a time. Either way a
+// map, when asked for, learns each piece as it is written.
+#include "prepare/prepare_pass.h"
+
+#include <array>
+#include <cstdint>
+#include <new>
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
+#include <unicode/unistr.h>
+#include <unicode/utf16.h>
+
+#include "i18n/host_i18n.h"
+#include "prepare/mark_table.h"
+#include "prepare/transliterate.h"
+
+namespace scl::regex::detail {
+namespace {
+
+// Below this unit every character is in NFC and starts at an NFC boundary.
+constexpr char16_t kFirstNonNfcUnit = 0x300;
+
+// A stretch of more characters than this that preparation changes is one
+// piece; shorter ones are cut into the shortest pieces.
+constexpr std::size_t kMaxCutCharacters = 32;
+
+// Results up to this many code units are normalised on the stack in one pass.
+constexpr std::size_t kNfcStackCapacity = 1024;
+
+// The number of leading units of `text[0, length)` below `limit`.
+std::size_t units_below(const char16_t* text, std::size_t length, char16_t limit) noexcept {
+  std::size_t at = 0;
+#if defined(__SSE2__)
+  // An unsigned unit is below `limit` exactly when subtracting limit - 1 with
+  // unsigned saturation leaves zero.
+  const __m128i floor = _mm_set1_epi16(static_cast<short>(limit - 1));
+  const __m128i zero = _mm_setzero_si128();
+  for (; at + 8 <= length; at += 8) {
+    const __m128i units = _mm_loadu_si128(reinterpret_cast<const __m128i*>(text + at));
+    const __m128i over = _mm_subs_epu16(units, floor);
+    if (_mm_movemask_epi8(_mm_cmpeq_epi16(over, zero)) != 0xFFFF) break;
+  }
+#endif
+  while (at < length && text[at] < limit) ++at;
+  return at;
+}
+
+// How many leading units of `text[0, length)` are certainly in NFC; the span
+// ends at an NFC boundary.
+std::size_t nfc_yes_span(const char16_t* text, std::size_t length) {
+  std::size_t below = units_below(text, length, kFirstNonNfcUnit);
+  if (below == length) return length;
+  // The unit before may combine with what follows: ICU checks from there.
+  if (below > 0) --below;
+  return below + i18n::nfc_span(text + below, length - below);
+}
+
+// Appends the NFC form of `length` units at `input` to `out`. Short text goes
+// through a stack buffer; longer text is normalised straight into `out`, with
+// room for as many units as it has (composition rarely lengthens text), and a
+// second pass only when the result needs more.
+void append_nfc(std::u16string& out, const char16_t* input, std::size_t length) {
+  const std::size_t at = out.size();
+  std::size_t needed = 0;
+  if (length <= kNfcStackCapacity) {
+    std::array<char16_t, kNfcStackCapacity> buffer;
+    needed = i18n::to_nfc(buffer.data(), buffer.size(), input, length);
+    if (needed <= buffer.size()) {
+      out.append(buffer.data(), needed);
+      return;
+    }
+  } else {
+    out.resize(at + length);
+    needed = i18n::to_nfc(out.data() + at, length, input, length);
+    if (needed <= length) {
+      out.resize(at + needed);
+      return;
+    }
+  }
+  out.resize(at + needed);
+  i18n::to_nfc(out.data() + at, needed, input, length);
+}
+
+// Appends NFC(remove_Mn(NFD(text[0, length)))) to `out`, through ICU's
+// normalisers. Short stretches stay within the strings' own storage.
+void append_without_marks(const mark_table& table, std::u16string& out, const char16_t* text,
+                          std::size_t length) {
+  UErrorCode status = U_ZERO_ERROR;
+  const icu::UnicodeString source(false, text, static_cast<int32_t>(length));
+  const icu::UnicodeString decomposed = table.nfd().normalize(source, status);
+  icu::UnicodeString kept;
+  const char16_t* units = decomposed.getBuffer();
+  const int32_t size = decomposed.length();
+  for (int32_t at = 0; at < size;) {
+    const int32_t run_end = table.marks().span(units + at, size - at, USET_SPAN_NOT_CONTAINED) + at;
+    kept.append(units, at, run_end - at);
+    at = table.marks().span(units + run_end, size - run_end, USET_SPAN_CONTAINED) + run_end;
+  }
+  const icu::UnicodeString composed = table.nfc().normalize(kept, status);
+  if (U_FAILURE(status) || composed.isBogus()) throw std::bad_alloc();
+  out.append(composed.getBuffer(), static_cast<std::size_t>(composed.length()));
+}
+
+// The units `source[begin, end)` were prepared (by `prepare`, appending to a
+// string) into `out` from `at` on. Tells `map` the shortest pieces: a cut
+// falls before a character when what precedes it and what follows it prepare
+// on their own into the two parts of the output. `removed(c)` tells whether a
+// character disappears (it then stays with the piece before it).
+template <class Map, class Prepare, class Removed>
+void map_stretch_pieces(Map& map, const char16_t* source, std::size_t begin, std::size_t end,
+                        const std::u16string& out, std::size_t at, Prepare prepare, Removed removed) {
+  if constexpr (Map::records) {
+    const std::size_t produced = out.size() - at;
+    if (produced == end - begin && out.compare(at, produced, source + begin, produced) == 0) {
+      map.identity(at, begin);
+      return;
+    }
+    // Where characters start, after the first.
+    std::vector<std::size_t> cuts;
+    for (std::size_t unit = begin; unit < end;) {
+      U16_FWD_1(source, unit, end);
+      if (unit < end && !removed(source, unit, end)) cuts.push_back(unit);
+      if (cuts.size() >= kMaxCutCharacters) {
+        map.piece(at, begin);
+        return;
+      }
+    }
+    std::size_t piece_begin = begin;
+    std::size_t piece_at = at;
+    std::u16string head;
+    std::u16string tail;
+    for (std::size_t cut : cuts) {
+      if (cut <= piece_begin) continue;
+      head.clear();
+      prepare(head, source + piece_begin, cut - piece_begin);
+      if (head.empty() || out.compare(piece_at, head.size(), head) != 0) continue;
+      tail.clear();
+      prepare(tail, source + cut, end - cut);
+      if (out.compare(piece_at + head.size(), std::u16string::npos, tail) != 0) continue;
+      map.piece(piece_at, piece_begin);
+      piece_begin = cut;
+      piece_at += head.size();
+    }
+    if (piece_at < out.size()) map.piece(piece_at, piece_begin);
+  } else {
+    (void)map, (void)source, (void)begin, (void)end, (void)out, (void)at, (void)prepare, (void)removed;
+  }
+}
+
+// NFC alone: what the quick check passes is copied, the rest is normalised one
+// stretch between NFC boundaries at a time.
+template <class Map>
+void nfc_pass(const mark_table& table, const char16_t* text, std::size_t length, std::u16string& out,
+              Map& map) {
+  const auto nfc = [](std::u16string& to, const char16_t* from, std::size_t size) {
+    append_nfc(to, from, size);
+  };
+  const auto never_removed = [](const char16_t*, std::size_t, std::size_t) { return false; };
+  std::size_t at = 0;
+  while (at < length) {
+    const std::size_t kept = at + nfc_yes_span(text + at, length - at);
+    if (kept > at) {
+      map.identity(out.size(), at);
+      out.append(text + at, kept - at);
+    }
+    if (kept == length) return;
+    std::size_t end = kept;
+    U16_FWD_1(text, end, length);
+    while (end < length) {
+      UChar32 c;
+      std::size_t next = end;
+      U16_NEXT(text, next, length, c);
+      if (table.nfc().hasBoundaryBefore(c)) break;
+      end = next;
+    }
+    const std::size_t written = out.size();
+    append_nfc(out, text + kept, end - kept);
+    map_stretch_pieces(map, text, kept, end, out, written, nfc, never_removed);
+    at = end;
+  }
+}
+
+// Removal of diacritics, character by character through the mark table.
+template <class Map>
+class mark_removal {
+ public:
+  mark_removal(const mark_table& table, const char16_t* text, std::size_t length,
+               std::u16string& out, Map& map)
+      : table_(table), text_(text), length_(length), out_(out), map_(map) {}
+
+  void run() {
+    std::size_t at = 0;
+    while (at < length_) {
+      const std::size_t start = at;
+      std::uint16_t entry = table_.next(text_, at, length_);
+      if (entry == kRemove) continue;  // only before the first character that stays
+      if (entry == kCompose) {
+        at = compose(at);
+        continue;
+      }
+      if (entry == kLone) {
+        if (const std::size_t end = joined_surrogates_end(start, at); end != 0) {
+          const std::size_t written = out_.size();
+          append_transliterated(out_, text_ + start, end - start);
+          map_.piece(written, piece_begin_);
+          at = piece_begin_ = end;
+          continue;
+        }
+      }
+      std::size_t character = start;
+      if (entry == kKeep && start == piece_begin_) {
+        // A run of characters that stay: all but the last are settled, the
+        // last may still take marks or combine with what follows.
+        for (std::size_t next = at; next < length_;) {
+          const std::size_t unit = next;
+          if (table_.next(text_, next, length_) != kKeep) break;
+          character = unit;
+          at = next;
+        }
+        if (character > start) {
+          map_.identity(out_.size(), start);
+          out_.append(text_ + start, character - start);
+          piece_begin_ = character;
+        }
+      }
+      append_character(character, at, entry);
+      at = piece_begin_;
+    }
+  }
+
+ private:
+  // Writes the character at `text_[start, at)` with its entry, takes the marks
+  // after it, and settles its piece; piece_begin_ moves past it.
+  void append_character(std::size_t start, std::size_t at, std::uint16_t entry) {
+    const std::size_t written = out_.size();
+    if (entry >= kFirstReplacement) {
+      out_.append(table_.replacement(entry), mark_table::replacement_length(entry));
+    } else {
+      out_.append(text_ + start, at - start);
+    }
+    const std::size_t character_end = at;
+    std::uint16_t following = kKeep;
+    while (at < length_) {
+      std::size_t next = at;
+      following = table_.next(text_, next, length_);
+      if (following != kRemove) break;
+      at = next;
+    }
+    if (at < length_ && following == kCompose) {
+      out_.resize(written);
+      piece_begin_ = compose(at);
+      return;
+    }
+    if (entry < kFirstReplacement && at == character_end && start == piece_begin_) {
+      map_.identity(written, start);
+    } else {
+      map_.piece(written, piece_begin_);
+    }
+    piece_begin_ = at;
+  }
+
+  // The stretch from piece_begin_ over `from` and every following character
+  // that is removed or may combine, prepared through ICU's normalisers.
+  // Returns where it ends.
+  std::size_t compose(std::size_t from) {
+    std::size_t end = from;
+    while (end < length_) {
+      std::size_t next = end;
+      const std::uint16_t entry = table_.next(text_, next, length_);
+      if (entry != kRemove && entry != kCompose) break;
+      end = next;
+    }
+    const std::size_t written = out_.size();
+    const auto prepare = [this](std::u16string& to, const char16_t* from_text, std::size_t size) {
+      append_without_marks(table_, to, from_text, size);
+    };
+    const auto removed = [this](const char16_t* text, std::size_t unit, std::size_t length) {
+      return table_.next(text, unit, length) == kRemove;
+    };
+    append_without_marks(table_, out_, text_ + piece_begin_, end - piece_begin_);
+    map_stretch_pieces(map_, text_, piece_begin_, end, out_, written, prepare, removed);
+    piece_begin_ = end;
+    return end;
+  }
+
+  // For an unpaired surrogate at `text_[start, at)`: if it is a lead that
+  // removed characters separate from an unpaired trail, the end of the stretch
+  // that the transliterator must prepare (up to a character that stays, with
+  // no surrogate right before it); otherwise 0.
+  std::size_t joined_surrogates_end(std::size_t start, std::size_t at) const {
+    if (!U16_IS_LEAD(text_[start])) return 0;
+    std::size_t trail = at;
+    while (trail < length_) {
+      std::size_t next = trail;
+      if (table_.next(text_, next, length_) != kRemove) break;
+      trail = next;
+    }
+    if (trail == at || trail == length_ || !U16_IS_TRAIL(text_[trail])) return 0;
+    // The transliterator steps over the trail and the unit after it.
+    std::size_t end = trail + 2;
+    while (end < length_ && !(!U16_IS_SURROGATE(text_[end - 1]) && !U16_IS_SURROGATE(text_[end]) &&
+                              stays(text_[end]))) {
+      ++end;
+    }
+    return end < length_ ? end : length_;
+  }
+
+  bool stays(char16_t unit) const {
+    std::size_t at = 0;
+    return table_.next(&unit, at, 1) == kKeep;
+  }
+
+  const mark_table& table_;
+  const char16_t* text_;
+  std::size_t length_;
+  std::u16string& out_;
+  Map& map_;
+  std::size_t piece_begin_ = 0;  // where the source of the next piece begins
+};
+
+}  // namespace
+
+template <class Map>
+void prepare_pass(const char16_t* text, std::size_t length, constants::syntax_option_type options,
+                  std::u16string& out, Map& map) {
+  const bool remove_marks = (options & constants::ignore_diacritics) != 0;
+  const bool nfc = (options & constants::normalize_nfc) != 0;
+  const std::size_t written = out.size();
+  if (!remove_marks && !nfc) {
+    if (length > 0) map.identity(written, 0);
+    out.append(text, length);
+    return;
+  }
+  const mark_table& table = mark_table::instance();
+  if (!table.ready()) {
+    // ICU gave no means to remove marks: they stay.
+    if (nfc) {
+      append_nfc(out, text, length);
+    } else {
+      out.append(text, length);
+    }
+    if (out.size() - written == length && out.compare(written, length, text, length) == 0) {
+      if (length > 0) map.identity(written, 0);
+    } else if (out.size() > written) {
+      map.piece(written, 0);
+    }
+    return;
+  }
+  // Removing marks decomposes first, and NFD(NFC(t)) == NFD(t): normalising to
+  // NFC beforehand cannot change its result.
+  if (remove_marks) {
+    mark_removal<Map>(table, text, length, out, map).run();
+  } else {
+    nfc_pass(table, text, length, out, map);
+  }
+}
+
+template void prepare_pass<no_map>(const char16_t*, std::size_t, constants::syntax_option_type,
+                                   std::u16string&, no_map&);
+template void prepare_pass<map_recorder>(const char16_t*, std::size_t, constants::syntax_option_type,
+                                         std::u16string&, map_recorder&);
+
+bool preparation_keeps(const char16_t* text, std::size_t length,
+                       constants::syntax_option_type options) {
+  if ((options & constants::ignore_diacritics) != 0) {
+    const mark_table& table = mark_table::instance();
+    if (!table.ready()) return true;
+    for (std::size_t at = units_below(text, length, mark_table::kFirstChange); at < length;) {
+      if (table.next(text, at, length) != kKeep) return false;
+    }
+    return true;
+  }
+  if ((options & constants::normalize_nfc) != 0) return nfc_yes_span(text, length) == length;
+  return true;
+}
+
+}  // namespace scl::regex::detail
