@@ -53,6 +53,8 @@ class Identity {
       const std::u16string expected = literal_prepare(text, options, strip_);
       const std::u16string actual = scl::regex::prepare_text(text, options);
       if (actual != expected) differences += report("prepare_text", options, text, expected, actual);
+      const std::u16string mapped = scl::regex::prepare_text_mapped(text, options).text();
+      if (mapped != expected) differences += report("prepare_text_mapped", options, text, expected, mapped);
     }
     // A handle search copies text that preparation would keep straight in, and
     // prepares the rest: either way it must search exactly the prepared text.
@@ -71,6 +73,19 @@ class Identity {
     return differences;
   }
   bool ready() const { return strip_.ready(); }
+
+  // Only the preparations (0x2, 0x4, 0x6, mapped or not), for long texts.
+  int check_preparation(const std::u16string& text) {
+    int differences = 0;
+    for (uint32_t options : {0x2u, 0x4u, 0x6u}) {
+      const std::u16string expected = literal_prepare(text, options, strip_);
+      const std::u16string actual = scl::regex::prepare_text(text, options);
+      if (actual != expected) differences += report("prepare_text", options, text, expected, actual);
+      const std::u16string mapped = scl::regex::prepare_text_mapped(text, options).text();
+      if (mapped != expected) differences += report("prepare_text_mapped", options, text, expected, mapped);
+    }
+    return differences;
+  }
 
  private:
   int report(const char* what, uint32_t options, const std::u16string& text,
@@ -96,6 +111,25 @@ TEST(PreparationIdentity, EveryCodePointAlone) {
   ASSERT_TRUE(identity.ready());
   int differences = 0;
   for (UChar32 c = 0; c <= 0x10FFFF; ++c) differences += identity.check(from_code_point(c));
+  EXPECT_EQ(differences, 0);
+}
+
+TEST(PreparationIdentity, EveryCodePointAfterEachOfFourBases) {
+  // Each code point right after "a", KA, the jamo KIYEOK and alpha; 256 such
+  // pairs to a text, so that the oracle's cost per call is shared.
+  Identity identity;
+  int differences = 0;
+  for (UChar32 base : {0x61, 0x915, 0x1100, 0x3B1}) {
+    std::u16string text;
+    for (UChar32 c = 1; c <= 0x10FFFF; ++c) {
+      text += from_code_point(base) + from_code_point(c);
+      if ((c & 0xFF) == 0xFF) {
+        differences += identity.check_preparation(text);
+        text.clear();
+      }
+    }
+    differences += identity.check(from_code_point(base) + std::u16string(1, u'\0'));
+  }
   EXPECT_EQ(differences, 0);
 }
 
@@ -130,6 +164,62 @@ std::vector<UChar32> nonspacing_marks() {
     if (u_charType(c) == U_NON_SPACING_MARK) marks.push_back(c);
   }
   return marks;
+}
+
+TEST(PreparationIdentity, EveryMnAndMcCharacterAfterEveryLatinGreekCyrillicLetter) {
+  std::vector<UChar32> marks = nonspacing_marks();
+  for (UChar32 c = 0; c <= 0x10FFFF; ++c) {
+    if (u_charType(c) == U_COMBINING_SPACING_MARK) marks.push_back(c);
+  }
+  ASSERT_GT(marks.size(), 2000u);
+  Identity identity;
+  int differences = 0;
+  std::size_t letters = 0;
+  for (UScriptCode script : {USCRIPT_LATIN, USCRIPT_GREEK, USCRIPT_CYRILLIC}) {
+    for (UChar32 base : letters_of(script)) {
+      ++letters;
+      // One text a letter: the letter before each mark in turn.
+      std::u16string text;
+      for (UChar32 mark : marks) text += from_code_point(base) + from_code_point(mark);
+      differences += identity.check_preparation(text);
+    }
+  }
+  EXPECT_GT(letters, 2000u);
+  EXPECT_EQ(differences, 0);
+}
+
+TEST(PreparationIdentity, ScriptsWithStackedSplitAndJoinedCharacters) {
+  Identity identity;
+  int differences = 0;
+  const std::vector<std::u16string> texts = {
+      // Vietnamese with stacked marks, precomposed and decomposed.
+      u"Ti\u1EBFng Vi\u1EC7t l\u00e0 ng\u00f4n ng\u1EEF c\u1EE7a ng\u01B0\u1EDDi Vi\u1EC7t; "
+      u"\u1EA4\u1EA6\u1EA8\u1EAA\u1EAC \u1EC6\u1ED8\u1EE2\u1EF0",
+      u"Tie\u0302\u0301ng Vie\u0323\u0302t la\u0300 ngo\u0302n ngu\u031B\u0303 cu\u0309a "
+      u"A\u0302\u0301 A\u0323\u0302 o\u031B\u0323 U\u031B\u0300 e\u0302\u0323",
+      // Indic split vowels, composed and in two parts, with nukta and virama.
+      u"\u0B15\u0B4B \u0B15\u0B47\u0B3E \u0B15\u0B48 \u0B15\u0B47\u0B56 \u0B15\u0B4C "
+      u"\u0B15\u0B47\u0B57 \u0B95\u0BCA \u0B95\u0BC6\u0BBE \u0B95\u0BCB \u0B95\u0BC7\u0BBE "
+      u"\u0B95\u0BCC \u0B95\u0BC6\u0BD7 \u0D15\u0D4A \u0D15\u0D46\u0D3E \u0CC0 \u0CBF\u0CD5 "
+      u"\u09CB \u09C7\u09BE \u0958 \u0915\u093C \u0915\u094D\u0937",
+      // Hangul syllables and jamo sequences, L V, L V T, LV T, and stray jamo.
+      u"\uD55C\uAD6D\uC5B4 \u1112\u1161\u11AB\u1100\u116E\u11A8 \uAC00\u11A8 "
+      u"\u1100\u1161 \u1161\u11A8 \u11A8 \u1100 \uD7A3 \u3131\u314F",
+      // Greek polytonic, precomposed and decomposed.
+      u"\u1F00\u03BD\u03B8\u03C1\u03C9\u0301\u03C0\u1FF3 \u1F08\u03C1\u03C7\u1F74 "
+      u"\u1F04\u0345 \u03B1\u0313\u0301\u0345 \u1FB7 \u03C9\u0342\u0345 \u0391\u0314\u0300",
+      // Emoji with variation selectors, skin tones, joiners and keycaps.
+      u"\u2764\uFE0F \u263A\uFE0E \U0001F44D\U0001F3FD \U0001F468\U0001F3FF\u200D\U0001F4BB "
+      u"\U0001F469\u200D\U0001F469\u200D\U0001F467 1\uFE0F\u20E3 \U0001F1EB\U0001F1F7"};
+  for (const std::u16string& text : texts) {
+    differences += identity.check(text);
+    // Each character alone and each pair of neighbours, too.
+    for (std::size_t at = 0; at < text.size(); ++at) {
+      differences += identity.check_preparation(text.substr(at, 2));
+      differences += identity.check_preparation(text.substr(at, 4));
+    }
+  }
+  EXPECT_EQ(differences, 0);
 }
 
 TEST(PreparationIdentity, PairsOfNonSpacingMarks) {

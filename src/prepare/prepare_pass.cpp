@@ -211,7 +211,8 @@ class mark_removal {
         if (const std::size_t end = joined_surrogates_end(start, at); end != 0) {
           const std::size_t written = out_.size();
           append_transliterated(out_, text_ + start, end - start);
-          map_.piece(written, piece_begin_);
+          map_stretch_pieces(map_, text_, piece_begin_, end, out_, written, append_transliterated,
+                             removed());
           at = piece_begin_ = end;
           continue;
         }
@@ -283,11 +284,8 @@ class mark_removal {
     const auto prepare = [this](std::u16string& to, const char16_t* from_text, std::size_t size) {
       append_without_marks(table_, to, from_text, size);
     };
-    const auto removed = [this](const char16_t* text, std::size_t unit, std::size_t length) {
-      return table_.next(text, unit, length) == kRemove;
-    };
     append_without_marks(table_, out_, text_ + piece_begin_, end - piece_begin_);
-    map_stretch_pieces(map_, text_, piece_begin_, end, out_, written, prepare, removed);
+    map_stretch_pieces(map_, text_, piece_begin_, end, out_, written, prepare, removed());
     piece_begin_ = end;
     return end;
   }
@@ -312,6 +310,13 @@ class mark_removal {
       ++end;
     }
     return end < length_ ? end : length_;
+  }
+
+  // Whether the character at `text[unit]` disappears.
+  auto removed() const {
+    return [this](const char16_t* text, std::size_t unit, std::size_t length) {
+      return table_.next(text, unit, length) == kRemove;
+    };
   }
 
   bool stays(char16_t unit) const {
