@@ -18,8 +18,9 @@
 namespace bench {
 
 // Plain ASCII words; accented words, a few written decomposed (so not in NFC);
-// and the same accented words all precomposed (so the text is already in NFC).
-enum class kind { ascii, accented, accented_nfc };
+// the same accented words all precomposed (so the text is already in NFC);
+// French and Vietnamese words, precomposed.
+enum class kind { ascii, accented, accented_nfc, french, vietnamese };
 
 inline const char* kind_name(kind k) {
   switch (k) {
@@ -27,8 +28,12 @@ inline const char* kind_name(kind k) {
       return "ascii";
     case kind::accented:
       return "accented";
-    default:
+    case kind::accented_nfc:
       return "accented-nfc";
+    case kind::french:
+      return "french";
+    default:
+      return "vietnamese";
   }
 }
 
@@ -79,8 +84,28 @@ inline const std::vector<std::u16string>& words(kind k) {
     for (const char16_t* word : {u"caf\u00e9", u"\u00e9t\u00e9", u"r\u00e9sum\u00e9"}) list.emplace_back(word);
     return list;
   }();
-  if (k == kind::ascii) return ascii;
-  return k == kind::accented ? accented : accented_nfc;
+  static const std::vector<std::u16string> french = {
+      u"le", u"caf\u00e9", u"cr\u00e8me", u"br\u00fbl\u00e9e", u"\u00e0", u"la", u"gar\u00e7on",
+      u"d\u00e9j\u00e0", u"\u00e9l\u00e8ve", u"no\u00ebl", u"fa\u00e7ade", u"o\u00f9", u"p\u00e8re",
+      u"na\u00efve", u"for\u00eat", u"h\u00f4tel", u"o\u00f9", u"et", u"des", u"\u00e9t\u00e9",
+      u"ma\u00efs", u"c\u0153ur", u"fl\u00e2ner", u"th\u00e9\u00e2tre", u"une", u"qui"};
+  static const std::vector<std::u16string> vietnamese = {
+      u"Ti\u1EBFng", u"Vi\u1EC7t", u"l\u00e0", u"ng\u00f4n", u"ng\u1EEF", u"c\u1EE7a",
+      u"ng\u01B0\u1EDDi", u"\u0111\u01B0\u1EE3c", u"nh\u1EA5t", u"n\u01B0\u1EDBc",
+      u"qu\u1ED1c", u"gia", u"h\u1ECDc", u"s\u1EEDa", u"\u0111\u1EB9p", u"kh\u00f4ng",
+      u"nh\u1EEFng", u"tr\u01B0\u1EDDng", u"v\u00e0", u"m\u1ED9t"};
+  switch (k) {
+    case kind::ascii:
+      return ascii;
+    case kind::accented:
+      return accented;
+    case kind::accented_nfc:
+      return accented_nfc;
+    case kind::french:
+      return french;
+    default:
+      return vietnamese;
+  }
 }
 
 // The word the search benchmarks look for; it ends every words_text and

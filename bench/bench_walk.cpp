@@ -15,7 +15,6 @@
 namespace {
 
 constexpr std::size_t kUnits = std::size_t{1} << 20;
-constexpr std::size_t kNoPosition = static_cast<std::size_t>(-1);
 
 std::u16string group_text(const icu::UnicodeString& subject, const icu::RegexMatcher& matcher,
                           int32_t group, UErrorCode& status) {
@@ -30,7 +29,7 @@ void lib_walk(benchmark::State& state) {
   scl::regex::regex re(bench::record_pattern(), 0);
   std::int64_t matches = 0;
   for (auto _ : state) {
-    for (scl::regex::regex_iterator it(subject, re); it->start != kNoPosition; ++it) {
+    for (scl::regex::regex_iterator it(subject, re); it->start != scl::regex::npos; ++it) {
       benchmark::DoNotOptimize(it->groups[1].str());
       benchmark::DoNotOptimize(it->groups[2].str());
       ++matches;

@@ -62,7 +62,7 @@ def main(path):
     cases = []
     for name in runs:
         side, _, case = name.partition("/")
-        if side in ("lib", "icu") and case not in cases:
+        if side in ("lib", "icu") and case not in cases and not case.startswith("prepare_mapped/"):
             cases.append(case)
 
     def get(side, case):
@@ -86,6 +86,14 @@ def main(path):
             plain = ns_per_op(get("lib", f"search/opt0/{m.group(2)}"))
             own.append((f"search 0x{m.group(1)} vs search 0 /{m.group(2)}",
                         fmt_ns(with_opt), fmt_ns(plain), fmt_ratio(with_opt, plain)))
+    # prepare_text_mapped against prepare_text.
+    for case in [n.partition("/")[2] for n in runs if n.startswith("lib/prepare_mapped/")]:
+        m = re.match(r"prepare_mapped/(.+)$", case)
+        if m:
+            mapped = ns_per_op(get("lib", case))
+            plain = ns_per_op(get("lib", f"prepare_normalisers/{m.group(1)}"))
+            own.append((f"prepare_text_mapped vs prepare_text /{m.group(1)}",
+                        fmt_ns(mapped), fmt_ns(plain), fmt_ratio(mapped, plain)))
     if own:
         rows.append(None)
         rows.append(("library against its options-0 search", "opt ns/op", "opt0 ns/op", "ratio"))

@@ -132,7 +132,7 @@ int main() {
                  re::constants::case_insensitive | accents);
   const std::u16string tickets = u"Caf\u00e9 12, Cr\u00e8me 7, na\u00efve 345";
   word.reset(tickets);  // prepared like the pattern: accents removed
-  for (re::regex_result m = word.match(); m.start != static_cast<std::size_t>(-1);
+  for (re::regex_result m = word.match(); m.start != re::npos;
        m = word.match()) {
     std::printf("  [%zu, %zu) \"%s\": word \"%s\", number \"%s\"\n", m.start, m.end,
                 utf8(m.str()).c_str(), utf8(m["word"].str()).c_str(),
@@ -147,7 +147,7 @@ int main() {
   std::puts("");
 
   std::puts("\nThe same walk with regex_iterator:");
-  for (re::regex_iterator it(tickets, word); it->start != static_cast<std::size_t>(-1); ++it) {
+  for (re::regex_iterator it(tickets, word); it->start != re::npos; ++it) {
     std::printf("  \"%s\"", utf8(it->str()).c_str());
   }
   std::puts("");

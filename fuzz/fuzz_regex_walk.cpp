@@ -12,7 +12,7 @@
 //   non-overlapping order (start <= end, start >= previous end), and ends.
 // - A result's text, and each group's, is the prepared subject's between its
 //   positions (cut at U+0000); a group that took no part has both positions
-//   (size_t)-1 and no text; there are getGroupsCount() + 1 groups.
+//   npos and no text; there are getGroupsCount() + 1 groups.
 // - operator[] with a number 0..groups-1 gives that group, with a negative or
 //   larger number throws std::out_of_range; any name gives a group of the
 //   result or throws std::out_of_range whose what() is the name.
@@ -46,7 +46,7 @@ namespace re = scl::regex;
 
 namespace {
 
-constexpr std::size_t npos = static_cast<std::size_t>(-1);
+using scl::regex::npos;
 
 // The "?<name>" texts of `text` as the library describes them: an ASCII
 // letter, then ASCII letters and digits, between "?<" and ">".
@@ -164,7 +164,7 @@ std::vector<std::u16string> walk(re::regex& rx, const walk_input& w, const std::
     check_lookups(m, w);
     texts.push_back(m.str());
   };
-  // The walk is over when start and end are both (size_t)-1.
+  // The walk is over when start and end are both npos.
   const auto on_match = [](const re::regex_iterator& it) {
     return it->start != npos || it->end != npos;
   };

@@ -122,7 +122,7 @@ TEST(ConcurrentFreeFunctions, EachThreadWithItsOwnHandleAndRegex) {
                        }) != u"caf\u00e9 [" + subject.substr(5) + u"]";
               scl::regex::regex re(u"(?<w>\\w+)", constants::ignore_diacritics);
               int words = 0;
-              for (scl::regex::regex_iterator it(subject, re); it->start != static_cast<std::size_t>(-1); ++it) {
+              for (scl::regex::regex_iterator it(subject, re); it->start != scl::regex::npos; ++it) {
                 wrong += (*it)["w"].str().empty();
                 ++words;
               }

@@ -60,7 +60,7 @@ TEST(HostileInput, OneShotReplacementsReturnTheSubject) {
 TEST(HostileInput, RegexMatchEndsAndMatchExReportsTheOverflow) {
   scl::regex::regex re(kPattern, 0);
   re.reset(long_subject());
-  EXPECT_EQ(re.match().start, static_cast<std::size_t>(-1));
+  EXPECT_EQ(re.match().start, scl::regex::npos);
   re.reset(long_subject());
   const auto ex = re.match_ex();
   ASSERT_TRUE(ex.has_error());
@@ -69,7 +69,7 @@ TEST(HostileInput, RegexMatchEndsAndMatchExReportsTheOverflow) {
 
 TEST(HostileInput, WalksEndWithoutResults) {
   scl::regex::regex re(kPattern, 0);
-  EXPECT_EQ(scl::regex::regex_iterator(long_subject(), re)->start, static_cast<std::size_t>(-1));
+  EXPECT_EQ(scl::regex::regex_iterator(long_subject(), re)->start, scl::regex::npos);
   std::vector<scl::regex::match_tuple> out;
   scl::regex::regex_search(long_subject(), kPattern, out, 0);
   EXPECT_TRUE(out.empty());

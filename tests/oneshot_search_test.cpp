@@ -86,7 +86,7 @@ TEST(SearchTuples, RegexFormLeavesRegexResetToPreparedSubjectPastItsLastMatch) {
   ASSERT_EQ(out.size(), 2u);
   EXPECT_EQ(std::get<0>(out[0]), u"a");
   EXPECT_EQ(re.str(0, 2), u"ab");
-  EXPECT_EQ(re.match().start, static_cast<std::size_t>(-1));
+  EXPECT_EQ(re.match().start, scl::regex::npos);
 }
 
 TEST(SearchTuples, RegexFormCountsTheSameAsTheIterator) {
@@ -95,7 +95,7 @@ TEST(SearchTuples, RegexFormCountsTheSameAsTheIterator) {
   const std::u16string subject = u"the quick brown fox jumps over the lazy dog";
   regex_search(re, subject, out);
   std::size_t steps = 0;
-  for (scl::regex::regex_iterator it(subject, re); it->start != static_cast<std::size_t>(-1); ++it) {
+  for (scl::regex::regex_iterator it(subject, re); it->start != scl::regex::npos; ++it) {
     ++steps;
   }
   EXPECT_EQ(out.size(), steps);
@@ -109,7 +109,7 @@ TEST(SearchTuples, SubjectIsPreparedOnceMoreBeforeTheWalk) {
   const std::u16string subject = u"\xD800\u0301\xDC00\u0301a";
   regex walked(u".", constants::ignore_diacritics);
   std::size_t steps = 0;
-  for (scl::regex::regex_iterator it(subject, walked); it->start != static_cast<std::size_t>(-1); ++it) {
+  for (scl::regex::regex_iterator it(subject, walked); it->start != scl::regex::npos; ++it) {
     ++steps;
   }
   EXPECT_EQ(steps, 3u);  // U+10000, U+0301, "a"

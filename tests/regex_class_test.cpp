@@ -18,7 +18,7 @@ using scl::regex::regex;
 using scl::regex::regex_impl_abstract;
 using scl::regex::regex_result;
 
-constexpr std::size_t npos = static_cast<std::size_t>(-1);
+using scl::regex::npos;
 
 static_assert(!std::is_copy_constructible_v<regex>);
 static_assert(std::is_nothrow_move_constructible_v<regex>);

@@ -17,7 +17,7 @@ using scl::regex::regex_result;
 using scl::regex::detail::regex_impl_icu;
 using namespace std::string_literals;
 
-constexpr std::size_t npos = static_cast<std::size_t>(-1);
+using scl::regex::npos;
 
 TEST(IcuEngine, DefaultConstructedEngineIsEmpty) {
   regex_impl_icu engine;

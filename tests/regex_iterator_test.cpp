@@ -12,7 +12,7 @@ namespace {
 using scl::regex::regex;
 using scl::regex::regex_iterator;
 
-constexpr std::size_t npos = static_cast<std::size_t>(-1);
+using scl::regex::npos;
 
 bool at_end(const regex_iterator& it) { return it->start == npos && it->end == npos; }
 

@@ -11,7 +11,7 @@ namespace {
 using scl::regex::regex;
 using scl::regex::regex_result;
 
-constexpr std::size_t npos = static_cast<std::size_t>(-1);
+using scl::regex::npos;
 
 TEST(RegexResult, NoMatchResultsHaveEmptyText) {
   const regex_result empty(npos, npos, nullptr);

@@ -17,9 +17,8 @@ namespace scl::regex::detail {
 namespace {
 
 constexpr std::int64_t kMatcherNotAvailable = -1000;
-constexpr std::size_t kNoPosition = static_cast<std::size_t>(-1);
 
-// ICU positions are signed; -1 (no position) becomes (size_t)-1.
+// ICU positions are signed; -1 (no position) becomes npos.
 std::size_t position(std::int64_t icu_position) { return static_cast<std::size_t>(icu_position); }
 
 // Searches on, and with `retry_on_stack_overflow` searches once more with the
@@ -116,7 +115,7 @@ void regex_impl_icu::reset(const std::u16string_view& subject_text,
 
 std::u16string regex_impl_icu::str(std::size_t start, std::size_t length) const {
   // Both are cut to 32 bits and pinned to the subject, as ICU pins substrings:
-  // a start of (size_t)-1 becomes 0 and a length of 0 stays 0. The text ends at
+  // a start of npos becomes 0 and a length of 0 stays 0. The text ends at
   // the first U+0000 within the piece.
   const int32_t size = subject.length();
   auto from = static_cast<int32_t>(start);
@@ -129,19 +128,19 @@ std::u16string regex_impl_icu::str(std::size_t start, std::size_t length) const 
 }
 
 regex_result regex_impl_icu::match(std::uint32_t match_flags) {
-  static const regex_result empty_result(kNoPosition, kNoPosition, nullptr);
+  static const regex_result empty_result(npos, npos, nullptr);
   icu::RegexMatcher* m = icu_matcher(matcher);
   if (m == nullptr) return empty_result;
   UErrorCode status = U_ZERO_ERROR;
   if (!find_next(*m, match_flags, status) || U_FAILURE(status)) return empty_result;
   UErrorCode position_status = U_ZERO_ERROR;
   std::size_t start = position(m->start64(position_status));
-  std::size_t end = kNoPosition;
+  std::size_t end = npos;
   if (U_FAILURE(position_status)) {
-    start = kNoPosition;
+    start = npos;
   } else {
     end = position(m->end64(position_status));
-    if (U_FAILURE(position_status)) end = kNoPosition;
+    if (U_FAILURE(position_status)) end = npos;
   }
   return regex_result(start, end, this);
 }

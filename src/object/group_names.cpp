@@ -17,8 +17,7 @@ std::vector<std::string> regex::getGroupNamesIfAvailable() const {
   if (text.empty()) return names;
 
   regex finder(name_finder, 0, nullptr);
-  constexpr std::size_t no_position = static_cast<std::size_t>(-1);
-  for (regex_iterator it(text, finder); it->start != no_position || it->end != no_position;
+  for (regex_iterator it(text, finder); it->start != npos || it->end != npos;
        ++it) {
     if (it->groups.size() >= 2) names.push_back(detail::i18n::to_string(it->groups[1].str()));
   }

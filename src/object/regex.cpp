@@ -9,7 +9,6 @@ namespace scl::regex {
 namespace {
 
 constexpr std::int64_t kUnknownImplementation = -1001;
-constexpr std::size_t kNoPosition = static_cast<std::size_t>(-1);
 
 // The pointers under [first, last) of a string (null for an empty range).
 std::pair<const char16_t*, const char16_t*> pointers(std::u16string::const_iterator first,
@@ -97,7 +96,7 @@ std::u16string regex::str(std::size_t start, std::size_t length) const {
 }
 
 regex_result regex::match() {
-  static const regex_result empty_result(kNoPosition, kNoPosition, nullptr);
+  static const regex_result empty_result(npos, npos, nullptr);
   return impl_ ? impl_->match(match_flags_) : empty_result;
 }
 

@@ -3,9 +3,8 @@
 namespace scl::regex {
 namespace {
 
-constexpr std::size_t kNoPosition = static_cast<std::size_t>(-1);
 
-regex_result end_of_sequence() { return regex_result(kNoPosition, kNoPosition, nullptr); }
+regex_result end_of_sequence() { return regex_result(npos, npos, nullptr); }
 
 }  // namespace
 

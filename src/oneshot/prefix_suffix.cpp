@@ -8,19 +8,18 @@ std::pair<std::u16string, std::u16string> regex_search_prefix_suffix(
     const std::u16string& subject, const std::u16string& pattern,
     constants::syntax_option_type options) {
   regex re(pattern, options, nullptr);
-  constexpr std::size_t no_position = static_cast<std::size_t>(-1);
   std::u16string prefix;
-  std::size_t last_end = no_position;
+  std::size_t last_end = npos;
   bool first = true;
   // Positions are those of the prepared subject; they cut the caller's subject as they stand.
-  for (regex_iterator it(subject, re); it->start != no_position || it->end != no_position; ++it) {
+  for (regex_iterator it(subject, re); it->start != npos || it->end != npos; ++it) {
     if (first) {
       prefix = subject.substr(0, it->start);  // the count is clamped: never throws
       first = false;
     }
     last_end = it->end;
   }
-  std::u16string suffix = last_end == no_position ? subject : subject.substr(last_end);
+  std::u16string suffix = last_end == npos ? subject : subject.substr(last_end);
   return {std::move(prefix), std::move(suffix)};
 }
 

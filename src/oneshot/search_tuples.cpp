@@ -11,8 +11,7 @@ void regex_search(regex& re, const std::u16string& subject, std::vector<match_tu
   out.clear();
   // The regex prepares its subject again on reset; preparing is idempotent.
   const std::u16string prepared = prepare_text(subject, re.options());
-  constexpr std::size_t no_position = static_cast<std::size_t>(-1);
-  for (regex_iterator it(prepared, re); it->start != no_position || it->end != no_position;
+  for (regex_iterator it(prepared, re); it->start != npos || it->end != npos;
        ++it) {
     std::vector<std::u16string> groups;
     if (it->groups.size() >= 2) {

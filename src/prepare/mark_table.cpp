@@ -73,14 +73,27 @@ mark_table::mark_table() {
   }
   UCPTrie* built = umutablecptrie_buildImmutable(entries.getAlias(), UCPTRIE_TYPE_FAST,
                                                  UCPTRIE_VALUE_BITS_16, &status);
-  if (U_SUCCESS(status)) trie_.adoptInstead(built);
+  if (U_FAILURE(status)) return;
+  single_units_.assign(0x10000, u'\0');
+  for (UChar32 c = 1; c <= 0xFFFF; ++c) {
+    if (U16_IS_SURROGATE(c)) continue;
+    const std::uint16_t entry = UCPTRIE_FAST_BMP_GET(built, UCPTRIE_16, c);
+    if (entry == kKeep) {
+      single_units_[c] = static_cast<char16_t>(c);
+    } else if (entry >= kFirstReplacement && replacement_length(entry) == 1 &&
+               !U16_IS_SURROGATE(*replacement(entry))) {
+      single_units_[c] = *replacement(entry);
+    }
+  }
+  trie_.adoptInstead(built);
 }
 
 std::size_t mark_table::memory_size() const noexcept {
   if (!ready()) return 0;
   UErrorCode status = U_ZERO_ERROR;
   const int32_t trie_bytes = ucptrie_toBinary(trie_.getAlias(), nullptr, 0, &status);
-  return static_cast<std::size_t>(trie_bytes) + pool_.size() * sizeof(char16_t);
+  return static_cast<std::size_t>(trie_bytes) + pool_.size() * sizeof(char16_t) +
+         single_units_.size() * sizeof(char16_t);
 }
 
 }  // namespace scl::regex::detail

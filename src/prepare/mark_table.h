@@ -13,6 +13,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include <unicode/normalizer2.h>
 #include <unicode/ucptrie.h>
@@ -61,6 +62,11 @@ class mark_table {
     return kLone;
   }
 
+  // For a BMP unit: the one BMP unit that the character becomes when it stays
+  // one unit (kept, or replaced by one unit); 0 otherwise (removed, may
+  // combine, longer, a surrogate, U+0000). Such characters map unit for unit.
+  char16_t single_unit(char16_t unit) const noexcept { return single_units_[unit]; }
+
   // The result of a character whose entry is a replacement.
   const char16_t* replacement(std::uint16_t entry) const noexcept {
     return pool_.data() + (entry >> 3) - 1;
@@ -81,6 +87,7 @@ class mark_table {
   const icu::Normalizer2* nfc_ = nullptr;
   icu::UnicodeSet marks_;  // general category Mn, frozen
   std::u16string pool_;    // the results of the replacements, back to back
+  std::vector<char16_t> single_units_;  // single_unit() of every BMP unit
   icu::LocalUCPTriePointer trie_;
 };
 

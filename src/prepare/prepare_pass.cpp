@@ -8,6 +8,7 @@
 // map, when asked for, learns each piece as it is written.
 #include "prepare/prepare_pass.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <new>
@@ -29,9 +30,10 @@ namespace {
 // Below this unit every character is in NFC and starts at an NFC boundary.
 constexpr char16_t kFirstNonNfcUnit = 0x300;
 
-// A stretch of more characters than this that preparation changes is one
-// piece; shorter ones are cut into the shortest pieces.
-constexpr std::size_t kMaxCutCharacters = 32;
+// A stretch of more characters than this that preparation changes (one
+// letter with hundreds of combining marks, say) is one piece; shorter ones are
+// cut into the shortest pieces.
+constexpr std::size_t kMaxCutCharacters = 256;
 
 // Results up to this many code units are normalised on the stack in one pass.
 constexpr std::size_t kNfcStackCapacity = 1024;
@@ -121,25 +123,27 @@ void map_stretch_pieces(Map& map, const char16_t* source, std::size_t begin, std
   if constexpr (Map::records) {
     const std::size_t produced = out.size() - at;
     if (produced == end - begin && out.compare(at, produced, source + begin, produced) == 0) {
-      map.identity(at, begin);
+      map.aligned(at, begin);
       return;
     }
-    // Where characters start, after the first.
-    std::vector<std::size_t> cuts;
-    for (std::size_t unit = begin; unit < end;) {
+    // Each place a cut may fall is tried once, with the piece that begins at
+    // the last cut: quadratic in the stretch's length, hence the bound.
+    std::size_t characters = 0;
+    for (std::size_t unit = begin; unit < end && characters <= kMaxCutCharacters; ++characters) {
       U16_FWD_1(source, unit, end);
-      if (unit < end && !removed(source, unit, end)) cuts.push_back(unit);
-      if (cuts.size() >= kMaxCutCharacters) {
-        map.piece(at, begin);
-        return;
-      }
+    }
+    if (characters > kMaxCutCharacters) {
+      map.piece(at, begin);
+      return;
     }
     std::size_t piece_begin = begin;
     std::size_t piece_at = at;
     std::u16string head;
     std::u16string tail;
-    for (std::size_t cut : cuts) {
-      if (cut <= piece_begin) continue;
+    for (std::size_t cut = begin;;) {
+      U16_FWD_1(source, cut, end);
+      if (cut >= end) break;
+      if (removed(source, cut, end)) continue;
       head.clear();
       prepare(head, source + piece_begin, cut - piece_begin);
       if (head.empty() || out.compare(piece_at, head.size(), head) != 0) continue;
@@ -156,8 +160,8 @@ void map_stretch_pieces(Map& map, const char16_t* source, std::size_t begin, std
   }
 }
 
-// NFC alone: what the quick check passes is copied, the rest is normalised one
-// stretch between NFC boundaries at a time.
+// NFC alone: what the quick check passes is copied, the rest is normalised; for
+// a map, one stretch between NFC boundaries at a time.
 template <class Map>
 void nfc_pass(const mark_table& table, const char16_t* text, std::size_t length, std::u16string& out,
               Map& map) {
@@ -165,11 +169,18 @@ void nfc_pass(const mark_table& table, const char16_t* text, std::size_t length,
     append_nfc(to, from, size);
   };
   const auto never_removed = [](const char16_t*, std::size_t, std::size_t) { return false; };
+  if constexpr (!Map::records) {
+    // Without a map, everything after the prefix that passes goes to ICU at once.
+    const std::size_t kept = nfc_yes_span(text, length);
+    out.append(text, kept);
+    if (kept < length) append_nfc(out, text + kept, length - kept);
+    return;
+  }
   std::size_t at = 0;
   while (at < length) {
     const std::size_t kept = at + nfc_yes_span(text + at, length - at);
     if (kept > at) {
-      map.identity(out.size(), at);
+      map.aligned(out.size(), at);
       out.append(text + at, kept - at);
     }
     if (kept == length) return;
@@ -190,6 +201,12 @@ void nfc_pass(const mark_table& table, const char16_t* text, std::size_t length,
 }
 
 // Removal of diacritics, character by character through the mark table.
+//
+// The output is written by index into `out`, sized ahead for the rest of the
+// text; characters that become one unit each are copied in runs, and map unit
+// for unit. Such a character is a piece of its own until marks turn up after
+// it (they join its piece) or a character that may combine with it does (then
+// the stretch from it is prepared again through ICU's normalisers).
 template <class Map>
 class mark_removal {
  public:
@@ -198,118 +215,170 @@ class mark_removal {
       : table_(table), text_(text), length_(length), out_(out), map_(map) {}
 
   void run() {
-    std::size_t at = 0;
-    while (at < length_) {
-      const std::size_t start = at;
-      std::uint16_t entry = table_.next(text_, at, length_);
-      if (entry == kRemove) continue;  // only before the first character that stays
-      if (entry == kCompose) {
-        at = compose(at);
+    written_ = out_.size();
+    reserve();
+    // Marks at the very start belong to the first piece.
+    while (at_ < length_) {
+      std::size_t next = at_;
+      if (table_.next(text_, next, length_) != kRemove) break;
+      at_ = next;
+    }
+    if (at_ < length_) {
+      const std::size_t start = at_;
+      character(start, table_.next(text_, at_, length_), 0);
+    }
+    while (at_ < length_) {
+      const char16_t single = table_.single_unit(text_[at_]);
+      if (single != 0) {
+        copy_run(single);
         continue;
       }
-      if (entry == kLone) {
-        if (const std::size_t end = joined_surrogates_end(start, at); end != 0) {
-          const std::size_t written = out_.size();
-          append_transliterated(out_, text_ + start, end - start);
-          map_stretch_pieces(map_, text_, piece_begin_, end, out_, written, append_transliterated,
-                             removed());
-          at = piece_begin_ = end;
-          continue;
-        }
-      }
-      std::size_t character = start;
-      if (entry == kKeep && start == piece_begin_) {
-        // A run of characters that stay: all but the last are settled, the
-        // last may still take marks or combine with what follows.
-        for (std::size_t next = at; next < length_;) {
-          const std::size_t unit = next;
-          if (table_.next(text_, next, length_) != kKeep) break;
-          character = unit;
-          at = next;
-        }
-        if (character > start) {
-          map_.identity(out_.size(), start);
-          out_.append(text_ + start, character - start);
-          piece_begin_ = character;
-        }
-      }
-      append_character(character, at, entry);
-      at = piece_begin_;
+      const std::size_t start = at_;
+      character(start, table_.next(text_, at_, length_), start);
     }
+    out_.resize(written_);
   }
 
  private:
-  // Writes the character at `text_[start, at)` with its entry, takes the marks
-  // after it, and settles its piece; piece_begin_ moves past it.
-  void append_character(std::size_t start, std::size_t at, std::uint16_t entry) {
-    const std::size_t written = out_.size();
-    if (entry >= kFirstReplacement) {
-      out_.append(table_.replacement(entry), mark_table::replacement_length(entry));
-    } else {
-      out_.append(text_ + start, at - start);
-    }
-    const std::size_t character_end = at;
-    std::uint16_t following = kKeep;
-    while (at < length_) {
-      std::size_t next = at;
-      following = table_.next(text_, next, length_);
-      if (following != kRemove) break;
-      at = next;
-    }
-    if (at < length_ && following == kCompose) {
-      out_.resize(written);
-      piece_begin_ = compose(at);
-      return;
-    }
-    if (entry < kFirstReplacement && at == character_end && start == piece_begin_) {
-      map_.identity(written, start);
-    } else {
-      map_.piece(written, piece_begin_);
-    }
-    piece_begin_ = at;
+  // Room for the rest of the text as it is, and for one replacement more.
+  void reserve() {
+    const std::size_t needed = written_ + (length_ - at_) + kSlack;
+    if (out_.size() < needed) out_.resize(std::max(needed, out_.size() * 2));
+    buffer_ = out_.data();
   }
 
-  // The stretch from piece_begin_ over `from` and every following character
-  // that is removed or may combine, prepared through ICU's normalisers.
-  // Returns where it ends.
-  std::size_t compose(std::size_t from) {
-    std::size_t end = from;
+  // Characters that become one unit each (most often themselves), `first`
+  // the result of the one at at_. They map unit for unit.
+  void copy_run(char16_t first) {
+    const std::size_t start = at_;
+    const std::size_t from = written_;
+    buffer_[written_++] = first;
+    ++at_;
+    while (at_ < length_) {
+      const char16_t single = table_.single_unit(text_[at_]);
+      if (single == 0) break;
+      buffer_[written_++] = single;
+      ++at_;
+    }
+    if constexpr (Map::records) {
+      if (!aligned_open_) map_.aligned(from, start);
+      aligned_open_ = true;
+    }
+    settle(written_ - 1, at_ - 1, true);
+  }
+
+  // The character at text_[start, at_) with its entry; its piece begins at
+  // `piece_begin` (before `start` only for the first character after marks).
+  void character(std::size_t start, std::uint16_t entry, std::size_t piece_begin) {
+    if (entry >= kFirstReplacement) {
+      const std::size_t from = written_;
+      const std::size_t length = mark_table::replacement_length(entry);
+      std::copy_n(table_.replacement(entry), length, buffer_ + written_);
+      written_ += length;
+      if (length > at_ - start) reserve();
+      record_piece(from, piece_begin);
+      settle(from, piece_begin, false);
+      return;
+    }
+    switch (entry) {
+      case kRemove:
+        // A mark joins the piece of the character before it.
+        if (last_aligned_) {
+          record_piece(last_written_, last_begin_);
+          last_aligned_ = false;
+        }
+        return;
+      case kCompose:
+        // Prepare again from the character before, which it may combine with.
+        compose(have_last_ ? last_begin_ : piece_begin, have_last_ ? last_written_ : written_);
+        return;
+      case kLone:
+        if (const std::size_t end = joined_surrogates_end(start); end != 0) {
+          stretch(piece_begin, start, end, written_, append_transliterated);
+          return;
+        }
+        break;
+      default:
+        break;
+    }
+    const std::size_t from = written_;
+    for (std::size_t unit = start; unit < at_; ++unit) buffer_[written_++] = text_[unit];
+    if (piece_begin == start) {
+      if constexpr (Map::records) {
+        if (!aligned_open_) map_.aligned(from, start);
+        aligned_open_ = true;
+      }
+    } else {
+      record_piece(from, piece_begin);
+    }
+    settle(from, piece_begin, piece_begin == start);
+  }
+
+  void record_piece(std::size_t prepared, std::size_t source) {
+    map_.piece(prepared, source);
+    aligned_open_ = false;
+  }
+
+  // The last character written: where its output and its piece begin.
+  void settle(std::size_t written, std::size_t begin, bool aligned) {
+    last_written_ = written;
+    last_begin_ = begin;
+    last_aligned_ = aligned;
+    have_last_ = true;
+  }
+
+  // The stretch from `begin` (its output from `written` on) over the
+  // character at at_ and every following one that is removed or may combine,
+  // prepared through ICU's normalisers.
+  void compose(std::size_t begin, std::size_t written) {
+    std::size_t end = at_;
     while (end < length_) {
       std::size_t next = end;
       const std::uint16_t entry = table_.next(text_, next, length_);
       if (entry != kRemove && entry != kCompose) break;
       end = next;
     }
-    const std::size_t written = out_.size();
-    const auto prepare = [this](std::u16string& to, const char16_t* from_text, std::size_t size) {
-      append_without_marks(table_, to, from_text, size);
+    const auto prepare = [this](std::u16string& to, const char16_t* from, std::size_t size) {
+      append_without_marks(table_, to, from, size);
     };
-    append_without_marks(table_, out_, text_ + piece_begin_, end - piece_begin_);
-    map_stretch_pieces(map_, text_, piece_begin_, end, out_, written, prepare, removed());
-    piece_begin_ = end;
-    return end;
+    stretch(begin, begin, end, written, prepare);
   }
 
-  // For an unpaired surrogate at `text_[start, at)`: if it is a lead that
+  // Output from `written` on becomes text_[from, end) prepared by `prepare`,
+  // mapped as pieces that begin at `begin`; at_ moves to `end`.
+  template <class Prepare>
+  void stretch(std::size_t begin, std::size_t from, std::size_t end, std::size_t written,
+               Prepare prepare) {
+    out_.resize(written);
+    prepare(out_, text_ + from, end - from);
+    map_stretch_pieces(map_, text_, begin, end, out_, written, prepare, removed());
+    aligned_open_ = false;
+    have_last_ = false;
+    at_ = end;
+    written_ = out_.size();
+    reserve();
+  }
+
+  // For an unpaired surrogate at text_[start, at_): if it is a lead that
   // removed characters separate from an unpaired trail, the end of the stretch
   // that the transliterator must prepare (up to a character that stays, with
   // no surrogate right before it); otherwise 0.
-  std::size_t joined_surrogates_end(std::size_t start, std::size_t at) const {
+  std::size_t joined_surrogates_end(std::size_t start) const {
     if (!U16_IS_LEAD(text_[start])) return 0;
-    std::size_t trail = at;
+    std::size_t trail = at_;
     while (trail < length_) {
       std::size_t next = trail;
       if (table_.next(text_, next, length_) != kRemove) break;
       trail = next;
     }
-    if (trail == at || trail == length_ || !U16_IS_TRAIL(text_[trail])) return 0;
+    if (trail == at_ || trail == length_ || !U16_IS_TRAIL(text_[trail])) return 0;
     // The transliterator steps over the trail and the unit after it.
     std::size_t end = trail + 2;
     while (end < length_ && !(!U16_IS_SURROGATE(text_[end - 1]) && !U16_IS_SURROGATE(text_[end]) &&
                               stays(text_[end]))) {
       ++end;
     }
-    return end < length_ ? end : length_;
+    return std::min(end, length_);
   }
 
   // Whether the character at `text[unit]` disappears.
@@ -324,12 +393,24 @@ class mark_removal {
     return table_.next(&unit, at, 1) == kKeep;
   }
 
+  // Units that one replacement may add beyond the character it replaces.
+  static constexpr std::size_t kSlack = 8;
+
   const mark_table& table_;
   const char16_t* text_;
   std::size_t length_;
   std::u16string& out_;
   Map& map_;
-  std::size_t piece_begin_ = 0;  // where the source of the next piece begins
+  char16_t* buffer_ = nullptr;  // out_.data()
+  std::size_t at_ = 0;          // the next unit of text_ to read
+  std::size_t written_ = 0;     // units of out_ written
+  bool aligned_open_ = false;   // the map's current stretch maps unit for unit
+  // The last character written, while marks or a combining character may
+  // still change its piece.
+  bool have_last_ = false;
+  bool last_aligned_ = false;
+  std::size_t last_written_ = 0;
+  std::size_t last_begin_ = 0;
 };
 
 }  // namespace
@@ -341,7 +422,7 @@ void prepare_pass(const char16_t* text, std::size_t length, constants::syntax_op
   const bool nfc = (options & constants::normalize_nfc) != 0;
   const std::size_t written = out.size();
   if (!remove_marks && !nfc) {
-    if (length > 0) map.identity(written, 0);
+    if (length > 0) map.aligned(written, 0);
     out.append(text, length);
     return;
   }
@@ -354,7 +435,7 @@ void prepare_pass(const char16_t* text, std::size_t length, constants::syntax_op
       out.append(text, length);
     }
     if (out.size() - written == length && out.compare(written, length, text, length) == 0) {
-      if (length > 0) map.identity(written, 0);
+      if (length > 0) map.aligned(written, 0);
     } else if (out.size() > written) {
       map.piece(written, 0);
     }

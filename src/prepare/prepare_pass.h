@@ -11,11 +11,11 @@
 
 namespace scl::regex::detail {
 
-// What the pass tells a map: where pieces of the output start. Both calls
-// come in increasing order of position.
+// What the pass tells a map: where pieces of the output start, in increasing
+// order of position; a later call for the same output position overrides.
 struct no_map {
   static constexpr bool records = false;
-  void identity(std::size_t, std::size_t) noexcept {}
+  void aligned(std::size_t, std::size_t) noexcept {}
   void piece(std::size_t, std::size_t) noexcept {}
 };
 
@@ -24,17 +24,27 @@ class map_recorder {
   static constexpr bool records = true;
   explicit map_recorder(std::vector<map_stretch>& stretches) : stretches_(stretches) {}
 
-  // Output from `prepared` on is source from `source` on, unit for unit, until
-  // the next call.
-  void identity(std::size_t prepared, std::size_t source) {
-    if (!stretches_.empty() && stretches_.back().identity) return;
-    stretches_.push_back({prepared, source, true});
+  // Output from `prepared` on maps to source from `source` on unit for unit,
+  // each character a piece of its own, until the next call.
+  void aligned(std::size_t prepared, std::size_t source) {
+    if (!stretches_.empty() && stretches_.back().aligned) return;
+    record({prepared, source, true});
   }
   // Output from `prepared` on, until the next call, is one piece that begins
   // at `source`.
-  void piece(std::size_t prepared, std::size_t source) {
-    stretches_.push_back({prepared, source, false});
+  void piece(std::size_t prepared, std::size_t source) { record({prepared, source, false}); }
+
+ private:
+  // A stretch told again for the same output position replaces the first.
+  void record(const map_stretch& stretch) {
+    if (!stretches_.empty() && stretches_.back().prepared == stretch.prepared) {
+      stretches_.back() = stretch;
+    } else {
+      stretches_.push_back(stretch);
+    }
   }
+
+ public:
 
  private:
   std::vector<map_stretch>& stretches_;

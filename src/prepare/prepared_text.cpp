@@ -60,7 +60,7 @@ std::vector<detail::map_stretch>::const_iterator prepared_text::stretch_of(std::
 
 std::size_t prepared_text::piece_start(std::size_t unit) const {
   const auto stretch = stretch_of(unit);
-  if (!stretch->identity) return stretch->source;
+  if (!stretch->aligned) return stretch->source;
   std::size_t offset = unit - stretch->prepared;
   // A trail surrogate belongs to the pair it ends.
   if (offset > 0 && U16_IS_TRAIL(text_[unit]) && U16_IS_LEAD(text_[unit - 1])) --offset;
@@ -70,7 +70,7 @@ std::size_t prepared_text::piece_start(std::size_t unit) const {
 std::size_t prepared_text::piece_end(std::size_t unit) const {
   const auto stretch = stretch_of(unit);
   const auto next = stretch + 1;
-  if (!stretch->identity) return next == map_.end() ? source_size_ : next->source;
+  if (!stretch->aligned) return next == map_.end() ? source_size_ : next->source;
   const std::size_t stretch_end = next == map_.end() ? text_.size() : next->prepared;
   std::size_t offset = unit - stretch->prepared + 1;
   // A lead surrogate belongs to the pair it starts.

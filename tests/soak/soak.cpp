@@ -64,7 +64,7 @@ std::size_t operation(long step) {
     case 6: {
       re::regex words(u"(?<w>\\w)(\\w*)", re::constants::normalize_nfc);
       std::size_t total = 0;
-      for (re::regex_iterator it(subject, words); it->start != static_cast<std::size_t>(-1); ++it) {
+      for (re::regex_iterator it(subject, words); it->start != re::npos; ++it) {
         total += (*it)["w"].str().size() + it->groups[2].str().size();
       }
       return total;

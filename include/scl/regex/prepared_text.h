@@ -28,13 +28,13 @@ namespace detail {
 struct prepared_text_builder;
 
 // One stretch of the map: prepared units from `prepared` on came from source
-// units from `source` on, up to where the next stretch begins. An identity
-// stretch has the same units on both sides, each character a piece of its
-// own; any other stretch is a single piece.
+// units from `source` on, up to where the next stretch begins. An aligned
+// stretch maps unit for unit, each character a piece of its own (kept, or
+// replaced by one unit, as "e" for "\u00e9"); any other stretch is one piece.
 struct map_stretch {
   std::size_t prepared;
   std::size_t source;
-  bool identity;
+  bool aligned;
 };
 }  // namespace detail
 

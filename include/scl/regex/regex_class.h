@@ -63,11 +63,11 @@ class SCL_REGEX_API regex {
   // first U+0000 among them; empty without an engine. As in ICU, both numbers
   // are taken as signed 32-bit values (their low 32 bits) and pinned to the
   // subject: a start past its end gives an empty text, a negative one counts
-  // as 0 (so start (size_t)-1 with length 0 is empty), a length reaching past
+  // as 0 (so start npos with length 0 is empty), a length reaching past
   // the end stops there.
   std::u16string str(std::size_t start, std::size_t length) const;
 
-  // Returns the next match, or a no-match result (start == (size_t)-1) when
+  // Returns the next match, or a no-match result (start == npos) when
   // there is none, the search failed, or there is no engine. Never throws
   // regex_exception.
   regex_result match();

@@ -15,9 +15,9 @@ namespace scl::regex {
 // Walks the matches of a regex over a subject. It borrows the regex (which
 // must outlive it and must not be reset or matched by anyone else meanwhile)
 // and owns only its current result. The walk is over when the current result's
-// start and end are both (size_t)-1; a search error ends it the same way.
+// start and end are both npos; a search error ends it the same way.
 //
-//   for (regex_iterator it(subject, re); it->start != (size_t)-1; ++it) use(*it);
+//   for (regex_iterator it(subject, re); it->start != npos; ++it) use(*it);
 class SCL_REGEX_API regex_iterator {
  public:
   // Resets `re` onto `subject` and stands on its first match (or at the end).

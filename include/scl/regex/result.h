@@ -7,13 +7,14 @@
 #include <vector>
 
 #include <scl/regex/export.h>
+#include <scl/regex/npos.h>
 
 namespace scl::regex {
 
 class regex_impl_abstract;
 
 // One capture group of a match. Positions are UTF-16 code units of the
-// subject as the engine prepared it; (size_t)-1 in both means the group took
+// subject as the engine prepared it; npos in both means the group took
 // no part in the match. The text is cut from the engine when asked, so a
 // group_result must not outlive its engine.
 struct SCL_REGEX_API group_result {
@@ -28,8 +29,8 @@ struct SCL_REGEX_API group_result {
 
 // One match: where it starts and ends in the prepared subject, and its groups
 // (element 0 the whole match, element i capture group i) as they were when the
-// match was found. (size_t)-1 in start and end means no match; test start
-// against (size_t)-1, not impl against null.
+// match was found. npos in start and end means no match; test start
+// against npos, not impl against null.
 // Results are light handles, not copies of text: str() reads the engine's
 // current subject, so after the engine is reset onto another subject an older
 // result cuts the new one. A result must not outlive its engine.

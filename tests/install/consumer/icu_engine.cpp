@@ -10,7 +10,7 @@ int main() {
   re::regex words(u"\\w+", 0, std::make_unique<re::detail::regex_impl_icu>());
   words.reset(u"two words");
   int count = 0;
-  for (re::regex_result m = words.match(); m.start != static_cast<std::size_t>(-1); m = words.match()) {
+  for (re::regex_result m = words.match(); m.start != re::npos; m = words.match()) {
     ++count;
   }
   if (count != 2) return 1;
