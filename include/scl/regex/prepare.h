@@ -12,7 +12,8 @@ namespace scl::regex {
 // Returns `text` prepared as `options` ask: first normalised to NFC if
 // `normalize_nfc` is set, then stripped of non-spacing marks if
 // `ignore_diacritics` is set. Other bits are ignored. Positions reported by
-// searches count UTF-16 code units of this prepared text.
+// searches count UTF-16 code units of this prepared text (prepare_text_mapped,
+// in <scl/regex/prepared_text.h>, maps them back to `text`).
 // With `normalize_nfc` alone, or no preparation bit, embedded U+0000 units
 // are kept; removing diacritics ends the text at its first U+0000.
 // Throws only std::bad_alloc.
