@@ -13,6 +13,7 @@
 
 #include <scl/regex.h>
 
+#include "support/hex.h"
 #include "support/literal_mechanisms.h"
 
 namespace {
@@ -33,29 +34,14 @@ std::u16string from_code_point(UChar32 c) {
   return text;
 }
 
-std::string hex(const std::u16string& text) {
-  std::string out;
-  char buffer[8];
-  for (char16_t unit : text) {
-    std::snprintf(buffer, sizeof buffer, "%04X ", static_cast<unsigned>(unit));
-    out += buffer;
-  }
-  return out;
-}
+using scl_regex_test::hex;
 
 // Compares every preparation (0x2, 0x4, 0x6) and escaping with the oracles;
 // returns the number of differences, reporting the first few.
 class Identity {
  public:
   int check(const std::u16string& text) {
-    int differences = 0;
-    for (uint32_t options : {0x2u, 0x4u, 0x6u}) {
-      const std::u16string expected = literal_prepare(text, options, strip_);
-      const std::u16string actual = scl::regex::prepare_text(text, options);
-      if (actual != expected) differences += report("prepare_text", options, text, expected, actual);
-      const std::u16string mapped = scl::regex::prepare_text_mapped(text, options).text();
-      if (mapped != expected) differences += report("prepare_text_mapped", options, text, expected, mapped);
-    }
+    int differences = check_preparation(text);
     // A handle search copies text that preparation would keep straight in, and
     // prepares the rest: either way it must search exactly the prepared text.
     for (std::size_t i = 0; i < 4; ++i) {

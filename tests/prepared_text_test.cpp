@@ -1,5 +1,4 @@
 // prepare_text_mapped: the prepared text and its map back to the source.
-#include <cstdio>
 #include <random>
 #include <stdexcept>
 #include <string>
@@ -10,6 +9,7 @@
 
 #include <scl/regex.h>
 
+#include "support/hex.h"
 #include "support/map_properties.h"
 
 namespace {
@@ -18,15 +18,7 @@ namespace re = scl::regex;
 using range = std::pair<std::size_t, std::size_t>;
 using scl_regex_test::broken_map_rule;
 
-std::string hex(const std::u16string& text) {
-  std::string out;
-  char buffer[8];
-  for (char16_t unit : text) {
-    std::snprintf(buffer, sizeof buffer, "%04X ", static_cast<unsigned>(unit));
-    out += buffer;
-  }
-  return out;
-}
+using scl_regex_test::hex;
 
 constexpr std::uint32_t kNfc = re::constants::normalize_nfc;
 constexpr std::uint32_t kMarks = re::constants::ignore_diacritics;
