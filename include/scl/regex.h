@@ -21,5 +21,6 @@
 #include <scl/regex/regex_impl.h>
 #include <scl/regex/regex_iterator.h>
 #include <scl/regex/result.h>
+#include <scl/regex/source_results.h>
 
 #endif  // SCL_REGEX_H

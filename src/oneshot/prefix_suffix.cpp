@@ -1,6 +1,6 @@
 // The text before the first match and after the last.
+#include "oneshot/match_walk.h"
 #include "scl/regex/oneshot_search.h"
-#include "scl/regex/regex_iterator.h"
 
 namespace scl::regex {
 
@@ -12,13 +12,13 @@ std::pair<std::u16string, std::u16string> regex_search_prefix_suffix(
   std::size_t last_end = npos;
   bool first = true;
   // Positions are those of the prepared subject; they cut the caller's subject as they stand.
-  for (regex_iterator it(subject, re); it->start != npos || it->end != npos; ++it) {
+  detail::walk_matches(re, subject, [&](const regex_result& match) {
     if (first) {
-      prefix = subject.substr(0, it->start);  // the count is clamped: never throws
+      prefix = subject.substr(0, match.start);  // the count is clamped: never throws
       first = false;
     }
-    last_end = it->end;
-  }
+    last_end = match.end;
+  });
   std::u16string suffix = last_end == npos ? subject : subject.substr(last_end);
   return {std::move(prefix), std::move(suffix)};
 }

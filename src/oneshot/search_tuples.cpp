@@ -1,9 +1,9 @@
 // Collecting every match with its group texts.
 #include <utility>
 
+#include "oneshot/match_walk.h"
 #include "scl/regex/oneshot_search.h"
 #include "scl/regex/prepare.h"
-#include "scl/regex/regex_iterator.h"
 
 namespace scl::regex {
 
@@ -11,15 +11,14 @@ void regex_search(regex& re, const std::u16string& subject, std::vector<match_tu
   out.clear();
   // The regex prepares its subject again on reset; preparing is idempotent.
   const std::u16string prepared = prepare_text(subject, re.options());
-  for (regex_iterator it(prepared, re); it->start != npos || it->end != npos;
-       ++it) {
+  detail::walk_matches(re, prepared, [&out](const regex_result& match) {
     std::vector<std::u16string> groups;
-    if (it->groups.size() >= 2) {
-      groups.reserve(it->groups.size() - 1);
-      for (std::size_t i = 1; i < it->groups.size(); ++i) groups.push_back(it->groups[i].str());
+    if (match.groups.size() >= 2) {
+      groups.reserve(match.groups.size() - 1);
+      for (std::size_t i = 1; i < match.groups.size(); ++i) groups.push_back(match.groups[i].str());
     }
-    out.emplace_back(it->str(), std::move(groups));
-  }
+    out.emplace_back(match.str(), std::move(groups));
+  });
 }
 
 void regex_search(const std::u16string& subject, const std::u16string& pattern,

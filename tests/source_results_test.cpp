@@ -1,0 +1,181 @@
+// Matches located in the caller's subject: regex_find_all.
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include <scl/regex.h>
+
+namespace {
+
+namespace re = scl::regex;
+using re::npos;
+using range = std::pair<std::size_t, std::size_t>;
+
+constexpr std::uint32_t kCaseAndMarks = re::constants::case_insensitive | re::constants::ignore_diacritics;
+
+// "Crème brûlée et crème", decomposed.
+const std::u16string kDecomposed = u"Cre\u0300me bru\u0302le\u0301e et cre\u0300me";
+
+TEST(FindAll, DecomposedTextGivesTheCallersPositions) {
+  // By hand: C0 r1 e2 U+0300 3 m4 e5 | space 6 | b7 r8 u9 U+0302 10 l11 e12 U+0301 13 e14 |
+  // space 15 | e16 t17 | space 18 | c19 r20 e21 U+0300 22 m23 e24.
+  const std::vector<re::source_match> found = re::regex_find_all(kDecomposed, u"creme", kCaseAndMarks);
+  ASSERT_EQ(found.size(), 2u);
+  EXPECT_EQ(range(found[0].start, found[0].end), range(0, 6));
+  EXPECT_EQ(range(found[1].start, found[1].end), range(19, 25));
+  EXPECT_EQ(kDecomposed.substr(19, 6), u"cre\u0300me");
+  // The prepared positions would have been [0, 5) and [16, 21).
+  std::vector<re::match_tuple> prepared;
+  re::regex_search(kDecomposed, u"creme", prepared, kCaseAndMarks);
+  ASSERT_EQ(prepared.size(), 2u);
+}
+
+TEST(FindAll, GroupsAreMappedAndCountedForEveryMatch) {
+  const std::vector<re::source_match> found =
+      re::regex_find_all(kDecomposed, u"(cr)(x)?(e)me", kCaseAndMarks);
+  ASSERT_EQ(found.size(), 2u);
+  for (const re::source_match& m : found) {
+    ASSERT_EQ(m.groups.size(), 4u);  // three groups and the whole match
+    EXPECT_EQ(m.groups[0], range(m.start, m.end));
+    EXPECT_EQ(m.groups[2], range(npos, npos));  // took no part
+  }
+  EXPECT_EQ(found[0].groups[1], range(0, 2));
+  EXPECT_EQ(found[0].groups[3], range(2, 4));  // the "e" with its accent
+  EXPECT_EQ(found[1].groups[3], range(21, 23));
+}
+
+TEST(FindAll, EmptyMatchesComeAsEmptyRangesInSubjectOrder) {
+  const std::vector<re::source_match> found = re::regex_find_all(u"ab", u"x*", 0);
+  ASSERT_EQ(found.size(), 3u);
+  for (std::size_t i = 0; i < 3; ++i) {
+    EXPECT_EQ(range(found[i].start, found[i].end), range(i, i));
+    EXPECT_EQ(found[i].groups, (std::vector<range>{{i, i}}));
+  }
+}
+
+TEST(FindAll, EmptyMatchAfterARemovedMarkSitsAtTheEnd) {
+  // "e" U+0301 prepares to "e"; the empty match at the end maps to the end of the source.
+  const std::vector<re::source_match> found = re::regex_find_all(u"e\u0301", u"$", re::constants::ignore_diacritics);
+  ASSERT_EQ(found.size(), 1u);
+  EXPECT_EQ(range(found[0].start, found[0].end), range(2, 2));
+}
+
+TEST(FindAll, WithoutPreparationPositionsAreICUsOwn) {
+  const std::u16string subject = u"a1b22 \U0001F600 c333";
+  const std::vector<re::source_match> found = re::regex_find_all(subject, u"\\d+", 0);
+  ASSERT_EQ(found.size(), 3u);
+  EXPECT_EQ(range(found[0].start, found[0].end), range(1, 2));
+  EXPECT_EQ(range(found[1].start, found[1].end), range(3, 5));
+  EXPECT_EQ(range(found[2].start, found[2].end), range(10, 13));
+}
+
+TEST(FindAll, NoMatchGivesNothing) {
+  EXPECT_TRUE(re::regex_find_all(u"abc", u"x", 0).empty());
+  EXPECT_TRUE(re::regex_find_all(u"", u"x", 0).empty());
+}
+
+TEST(FindAll, RegexFormLeavesTheRegexResetOntoTheSubjectPastItsLastMatch) {
+  re::regex word(u"cr\\w+", kCaseAndMarks);
+  const std::vector<re::source_match> found = re::regex_find_all(word, kDecomposed);
+  EXPECT_EQ(found.size(), 2u);
+  EXPECT_EQ(word.match().start, npos);  // past the last match
+  EXPECT_EQ(word.str(0, 6), u"Creme ");  // the prepared subject
+  // The same walk as regex_iterator: the same number of matches, the same order.
+  std::size_t walked = 0;
+  for (re::regex_iterator it(kDecomposed, word); it->start != npos; ++it) ++walked;
+  EXPECT_EQ(walked, found.size());
+}
+
+TEST(FindAll, StringFormThrowsForARejectedPattern) {
+  EXPECT_THROW(re::regex_find_all(u"abc", u"(", 0), re::regex_exception);
+  try {
+    re::regex_find_all(u"abc", u"(", 0);
+  } catch (const re::regex_exception& e) {
+    EXPECT_STREQ(e.what(), "Incorrectly nested parentheses in regexp pattern.");
+  }
+}
+
+TEST(FindAll, NfcPositionsCoverTheComposedCharacters) {
+  const std::vector<re::source_match> found =
+      re::regex_find_all(u"cafe\u0301 cafe\u0301", u"caf\u00e9", re::constants::normalize_nfc);
+  ASSERT_EQ(found.size(), 2u);
+  EXPECT_EQ(range(found[0].start, found[0].end), range(0, 5));
+  EXPECT_EQ(range(found[1].start, found[1].end), range(6, 11));
+}
+
+// An engine that hands out scripted matches, then the end of the walk.
+class ScriptedEngine : public re::regex_impl_abstract {
+ public:
+  explicit ScriptedEngine(std::vector<range> script) : script_(std::move(script)) {}
+  void init(const std::u16string& p, re::constants::syntax_option_type) override { pattern_ = p; }
+  void init(const char16_t* f, const char16_t* l, re::constants::syntax_option_type) override {
+    pattern_.assign(f, l);
+  }
+  void init(const std::u16string_view& p, re::constants::syntax_option_type) override { pattern_ = p; }
+  const std::u16string& getPattern() const override { return pattern_; }
+  void reset(const std::u16string& s, re::constants::syntax_option_type) override { rewind(s); }
+  void reset(const char16_t* f, const char16_t* l, re::constants::syntax_option_type) override {
+    rewind(std::u16string(f, l));
+  }
+  void reset(const std::u16string_view& s, re::constants::syntax_option_type) override {
+    rewind(std::u16string(s));
+  }
+  std::u16string str(std::size_t start, std::size_t length) const override {
+    return subject_.substr(std::min(start, subject_.size()), length);
+  }
+  re::regex_result match(std::uint32_t) override {
+    if (next_ == script_.size()) return re::regex_result(npos, npos, nullptr);
+    current_ = script_[next_++];
+    return re::regex_result(current_.first, current_.second, this);
+  }
+  void getGroups(std::vector<re::group_result>& groups) const override {
+    groups.assign(1, re::group_result{current_.first, current_.second, this});
+  }
+  std::u16string replace(const std::u16string& s, const std::u16string&) override { return s; }
+  re::expected_result<std::u16string> replace_ex(const std::u16string& s, const std::u16string&) override {
+    return s;
+  }
+  std::u16string getGroupReference(const std::u16string& n) const override { return n; }
+  int getGroupNumber(const std::string&) const override { return 0; }
+  int getGroupsCount() const override { return 0; }
+  re::expected_result<re::regex_result> match_ex(std::uint32_t flags) override { return match(flags); }
+
+ private:
+  void rewind(std::u16string subject) {
+    subject_ = std::move(subject);
+    next_ = 0;
+  }
+  std::vector<range> script_;
+  std::size_t next_ = 0;
+  range current_{npos, npos};
+  std::u16string pattern_;
+  std::u16string subject_;
+};
+
+TEST(FindAll, CallersEngineIsMappedAsIfItPreparedAsPrepareTextDoes) {
+  // The engine reports prepared positions of "Creme" ("e" U+0300 is one piece);
+  // a position past the prepared text counts as its end.
+  re::regex custom(u"ignored", re::constants::ignore_diacritics,
+                   std::make_unique<ScriptedEngine>(std::vector<range>{{2, 3}, {4, 5}, {5, 99}}));
+  const std::vector<re::source_match> found = re::regex_find_all(custom, u"Cre\u0300me");
+  ASSERT_EQ(found.size(), 3u);
+  EXPECT_EQ(range(found[0].start, found[0].end), range(2, 4));
+  EXPECT_EQ(range(found[1].start, found[1].end), range(5, 6));
+  EXPECT_EQ(range(found[2].start, found[2].end), range(6, 6));
+  EXPECT_EQ(found[0].groups.size(), 1u);
+}
+
+TEST(FindAll, AFailedSearchStepEndsTheWalkWithTheMatchesFoundSoFar) {
+  // The scripted engine's walk ends after two matches, as a failing step does.
+  re::regex custom(u"ignored", 0, std::make_unique<ScriptedEngine>(std::vector<range>{{0, 1}, {2, 3}}));
+  EXPECT_EQ(re::regex_find_all(custom, u"abcdef").size(), 2u);
+  // With ICU: a backtrack-stack overflow in the first step gives no match at all.
+  std::u16string long_subject(400000, u'a');
+  long_subject += u'b';
+  EXPECT_TRUE(re::regex_find_all(long_subject, u"(a|aa)+$", 0).empty());
+}
+
+}  // namespace
