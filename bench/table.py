@@ -77,26 +77,22 @@ def main(path):
                 label += f"  [{side}: {run['error']}]"
         rows.append((label, fmt_ns(lib), fmt_ns(icu), fmt_ratio(lib, icu)))
 
-    # The library's search with preparation against its own plain search.
+    # The library against itself: each case against its baseline.
+    against_itself = (
+        (r"search/opt([24])/(.+)$", "search/opt0/{1}", "search 0x{0} vs search 0 /{1}"),
+        (r"prepare_mapped/(.+)$", "prepare_normalisers/{0}", "prepare_text_mapped vs prepare_text /{0}"),
+    )
     own = []
-    for case in cases:
-        m = re.match(r"search/opt([24])/(.+)$", case)
-        if m:
-            with_opt = ns_per_op(get("lib", case))
-            plain = ns_per_op(get("lib", f"search/opt0/{m.group(2)}"))
-            own.append((f"search 0x{m.group(1)} vs search 0 /{m.group(2)}",
-                        fmt_ns(with_opt), fmt_ns(plain), fmt_ratio(with_opt, plain)))
-    # prepare_text_mapped against prepare_text.
-    for case in [n.partition("/")[2] for n in runs if n.startswith("lib/prepare_mapped/")]:
-        m = re.match(r"prepare_mapped/(.+)$", case)
-        if m:
-            mapped = ns_per_op(get("lib", case))
-            plain = ns_per_op(get("lib", f"prepare_normalisers/{m.group(1)}"))
-            own.append((f"prepare_text_mapped vs prepare_text /{m.group(1)}",
-                        fmt_ns(mapped), fmt_ns(plain), fmt_ratio(mapped, plain)))
+    for case in [n.partition("/")[2] for n in runs if n.startswith("lib/")]:
+        for pattern, baseline, label in against_itself:
+            m = re.match(pattern, case)
+            if m:
+                mine = ns_per_op(get("lib", case))
+                base = ns_per_op(get("lib", baseline.format(*m.groups())))
+                own.append((label.format(*m.groups()), fmt_ns(mine), fmt_ns(base), fmt_ratio(mine, base)))
     if own:
         rows.append(None)
-        rows.append(("library against its options-0 search", "opt ns/op", "opt0 ns/op", "ratio"))
+        rows.append(("library against itself", "case ns/op", "baseline ns/op", "ratio"))
         rows.extend(own)
 
     # Throughput on two threads against one: items per second, 2 threads / 1 thread;

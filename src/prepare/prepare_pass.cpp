@@ -218,11 +218,7 @@ class mark_removal {
     written_ = out_.size();
     reserve();
     // Marks at the very start belong to the first piece.
-    while (at_ < length_) {
-      std::size_t next = at_;
-      if (table_.next(text_, next, length_) != kRemove) break;
-      at_ = next;
-    }
+    at_ = skip(at_, is_removed);
     if (at_ < length_) {
       const std::size_t start = at_;
       character(start, table_.next(text_, at_, length_), 0);
@@ -331,13 +327,8 @@ class mark_removal {
   // character at at_ and every following one that is removed or may combine,
   // prepared through ICU's normalisers.
   void compose(std::size_t begin, std::size_t written) {
-    std::size_t end = at_;
-    while (end < length_) {
-      std::size_t next = end;
-      const std::uint16_t entry = table_.next(text_, next, length_);
-      if (entry != kRemove && entry != kCompose) break;
-      end = next;
-    }
+    const std::size_t end =
+        skip(at_, [](std::uint16_t entry) { return entry == kRemove || entry == kCompose; });
     const auto prepare = [this](std::u16string& to, const char16_t* from, std::size_t size) {
       append_without_marks(table_, to, from, size);
     };
@@ -365,12 +356,7 @@ class mark_removal {
   // no surrogate right before it); otherwise 0.
   std::size_t joined_surrogates_end(std::size_t start) const {
     if (!U16_IS_LEAD(text_[start])) return 0;
-    std::size_t trail = at_;
-    while (trail < length_) {
-      std::size_t next = trail;
-      if (table_.next(text_, next, length_) != kRemove) break;
-      trail = next;
-    }
+    const std::size_t trail = skip(at_, is_removed);
     if (trail == at_ || trail == length_ || !U16_IS_TRAIL(text_[trail])) return 0;
     // The transliterator steps over the trail and the unit after it.
     std::size_t end = trail + 2;
@@ -381,10 +367,24 @@ class mark_removal {
     return std::min(end, length_);
   }
 
+  // Where the run of characters from `from` on whose entries `in_run`
+  // accepts ends.
+  template <class Accept>
+  std::size_t skip(std::size_t from, Accept in_run) const {
+    while (from < length_) {
+      std::size_t next = from;
+      if (!in_run(table_.next(text_, next, length_))) break;
+      from = next;
+    }
+    return from;
+  }
+
+  static bool is_removed(std::uint16_t entry) { return entry == kRemove; }
+
   // Whether the character at `text[unit]` disappears.
   auto removed() const {
     return [this](const char16_t* text, std::size_t unit, std::size_t length) {
-      return table_.next(text, unit, length) == kRemove;
+      return is_removed(table_.next(text, unit, length));
     };
   }
 

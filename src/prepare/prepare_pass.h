@@ -44,9 +44,6 @@ class map_recorder {
     }
   }
 
- public:
-
- private:
   std::vector<map_stretch>& stretches_;
 };
 
