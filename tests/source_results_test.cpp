@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include "support/hex.h"
+
 #include <scl/regex.h>
 
 namespace {
@@ -13,8 +15,14 @@ namespace {
 namespace re = scl::regex;
 using re::npos;
 using range = std::pair<std::size_t, std::size_t>;
+using scl_regex_test::hex;
 
 constexpr std::uint32_t kCaseAndMarks = re::constants::case_insensitive | re::constants::ignore_diacritics;
+
+constexpr std::uint32_t kNfc = re::constants::normalize_nfc;
+
+// "ac", then a run that overflows ICU's backtrack stack under "(a|aa)+c".
+std::u16string overflowing_subject() { return u"ac " + std::u16string(400000, u'a') + u"b"; }
 
 // "Crème brûlée et crème", decomposed.
 const std::u16string kDecomposed = u"Cre\u0300me bru\u0302le\u0301e et cre\u0300me";
@@ -109,7 +117,9 @@ TEST(FindAll, NfcPositionsCoverTheComposedCharacters) {
 // An engine that hands out scripted matches, then the end of the walk.
 class ScriptedEngine : public re::regex_impl_abstract {
  public:
-  explicit ScriptedEngine(std::vector<range> script) : script_(std::move(script)) {}
+  // With `fail_at_end`, match_ex reports an error once the script is spent.
+  explicit ScriptedEngine(std::vector<range> script, bool fail_at_end = false)
+      : script_(std::move(script)), fail_at_end_(fail_at_end) {}
   void init(const std::u16string& p, re::constants::syntax_option_type) override { pattern_ = p; }
   void init(const char16_t* f, const char16_t* l, re::constants::syntax_option_type) override {
     pattern_.assign(f, l);
@@ -141,7 +151,10 @@ class ScriptedEngine : public re::regex_impl_abstract {
   std::u16string getGroupReference(const std::u16string& n) const override { return n; }
   int getGroupNumber(const std::string&) const override { return 0; }
   int getGroupsCount() const override { return 0; }
-  re::expected_result<re::regex_result> match_ex(std::uint32_t flags) override { return match(flags); }
+  re::expected_result<re::regex_result> match_ex(std::uint32_t flags) override {
+    if (fail_at_end_ && next_ == script_.size()) return re::regex_exception(66306);
+    return match(flags);
+  }
 
  private:
   void rewind(std::u16string subject) {
@@ -149,6 +162,7 @@ class ScriptedEngine : public re::regex_impl_abstract {
     next_ = 0;
   }
   std::vector<range> script_;
+  bool fail_at_end_ = false;
   std::size_t next_ = 0;
   range current_{npos, npos};
   std::u16string pattern_;
@@ -173,9 +187,112 @@ TEST(FindAll, AFailedSearchStepEndsTheWalkWithTheMatchesFoundSoFar) {
   re::regex custom(u"ignored", 0, std::make_unique<ScriptedEngine>(std::vector<range>{{0, 1}, {2, 3}}));
   EXPECT_EQ(re::regex_find_all(custom, u"abcdef").size(), 2u);
   // With ICU: a backtrack-stack overflow in the first step gives no match at all.
-  std::u16string long_subject(400000, u'a');
-  long_subject += u'b';
-  EXPECT_TRUE(re::regex_find_all(long_subject, u"(a|aa)+$", 0).empty());
+  // With ICU: the first step finds "ac", the second overflows the backtrack stack.
+  EXPECT_EQ(re::regex_find_all(overflowing_subject(), u"(a|aa)+c", 0).size(), 1u);
+}
+
+TEST(FindAll, OneSourceCharacterPreparedIntoTwoUnitsGivesOverlappingRanges) {
+  // NFC decomposes U+0958 into U+0915 U+093C; both units map back to it.
+  const std::vector<re::source_match> found = re::regex_find_all(u"\u0958", u".", kNfc);
+  ASSERT_EQ(found.size(), 2u);
+  EXPECT_EQ(range(found[0].start, found[0].end), range(0, 1));
+  EXPECT_EQ(range(found[1].start, found[1].end), range(0, 1));
+}
+
+// ---- regex_replace_preserving ----
+
+TEST(ReplacePreserving, OnlyTheMatchChanges) {
+  EXPECT_EQ(re::regex_replace_preserving(u"Caf\u00e9 cr\u00e8me, \u00e9t\u00e9", u"cafe", u"tea", 0x5),
+            u"tea cr\u00e8me, \u00e9t\u00e9");
+  // The prepared-text replacement loses every accent.
+  EXPECT_EQ(re::regex_replace(u"Caf\u00e9 cr\u00e8me, \u00e9t\u00e9", u"cafe", u"tea", 0x5),
+            u"tea creme, ete");
+}
+
+TEST(ReplacePreserving, GroupsComeFromTheCallersText) {
+  EXPECT_EQ(re::regex_replace_preserving(u"Cre\u0300me br\u00fbl\u00e9e", u"(cr)eme", u"[$1]", 0x5),
+            u"[Cr] br\u00fbl\u00e9e");
+  // A group keeps the caller's decomposed accent, and names work as numbers do.
+  EXPECT_EQ(re::regex_replace_preserving(kDecomposed, u"(?<word>cr(e)me)", u"<${word}|$2>", kCaseAndMarks),
+            u"<Cre\u0300me|e\u0300> bru\u0302le\u0301e et <cre\u0300me|e\u0300>");
+}
+
+TEST(ReplacePreserving, DecomposedMarksOutsideTheMatchesAreKept) {
+  EXPECT_EQ(re::regex_replace_preserving(kDecomposed, u"et", u"and", kCaseAndMarks),
+            u"Cre\u0300me bru\u0302le\u0301e and cre\u0300me");
+}
+
+TEST(ReplacePreserving, AGroupThatTookNoPartInsertsNothing) {
+  EXPECT_EQ(re::regex_replace_preserving(kDecomposed, u"(x)?(cr)eme", u"[$1$2]", kCaseAndMarks),
+            u"[Cr] bru\u0302le\u0301e et [cr]");
+}
+
+TEST(ReplacePreserving, NulUnitsAreKept) {
+  // NFC alone searches the whole text, U+0000 units included, and keeps them.
+  const std::u16string subject(u"cafe\u0301\0x cafe\u0301", 13);
+  EXPECT_EQ(re::regex_replace_preserving(subject, u"caf\u00e9", u"tea", kNfc),
+            std::u16string(u"tea\0x tea", 9));
+}
+
+TEST(ReplacePreserving, TextAfterTheNulThatRemovalStoppedAtIsKeptUnsearched) {
+  const std::u16string subject(u"caf\u00e9\0caf\u00e9!", 10);
+  EXPECT_EQ(re::regex_replace_preserving(subject, u"cafe", u"tea", kCaseAndMarks),
+            std::u16string(u"tea\0caf\u00e9!", 9));
+}
+
+TEST(ReplacePreserving, BackslashMakesTheNextCharacterLiteral) {
+  EXPECT_EQ(re::regex_replace_preserving(u"caf\u00e9", u"(cafe)", u"\\$1=$1\\\\\\u0041", kCaseAndMarks),
+            u"$1=caf\u00e9\\A");
+}
+
+TEST(ReplacePreserving, ReplacementEndsAtItsFirstNul) {
+  EXPECT_EQ(re::regex_replace_preserving(u"caf\u00e9!", u"cafe", std::u16string(u"tea\0junk", 8), kCaseAndMarks),
+            u"tea!");
+}
+
+TEST(ReplacePreserving, InvalidReplacementGivesTheSubjectWhole) {
+  for (const std::u16string replacement : {u"$", u"x$", u"$x", u"${nope}", u"${word", u"${}", u"${1}", u"$2", u"${w!}"}) {
+    std::u16string result;
+    EXPECT_NO_THROW(result = re::regex_replace_preserving(kDecomposed, u"(?<word>cr)eme", replacement, kCaseAndMarks));
+    EXPECT_EQ(result, kDecomposed) << hex(replacement);
+  }
+}
+
+TEST(ReplacePreserving, RejectedPatternGivesTheSubjectWhole) {
+  std::u16string result;
+  EXPECT_NO_THROW(result = re::regex_replace_preserving(kDecomposed, u"(", u"x", kCaseAndMarks));
+  EXPECT_EQ(result, kDecomposed);
+}
+
+TEST(ReplacePreserving, FailedSearchGivesTheSubjectWhole) {
+  // The first match is found; the second step overflows ICU's backtrack stack.
+  const std::u16string subject = overflowing_subject();
+  EXPECT_EQ(re::regex_replace_preserving(subject, u"(a|aa)+c", u"x", 0), subject);
+  // A failing step of an engine of the caller's own, after two matches.
+  re::regex custom(u"ignored", 0,
+                   std::make_unique<ScriptedEngine>(std::vector<range>{{0, 1}, {2, 3}}, true));
+  EXPECT_EQ(re::regex_replace_preserving(custom, u"abcdef", u"x"), u"abcdef");
+  re::regex ending(u"ignored", 0, std::make_unique<ScriptedEngine>(std::vector<range>{{0, 1}, {2, 3}}));
+  EXPECT_EQ(re::regex_replace_preserving(ending, u"abcdef", u"x"), u"xbxdef");
+}
+
+TEST(ReplacePreserving, LaterOfTwoOverlappingMatchesIsNotReplaced) {
+  // U+0958 prepares into two units; "." matches each, and both map onto it.
+  EXPECT_EQ(re::regex_replace_preserving(u"\u0958z", u".", u"<$0>", kNfc), u"<\u0958><z>");
+}
+
+TEST(ReplacePreserving, WithoutPreparationItIsICUsReplaceAll) {
+  EXPECT_EQ(re::regex_replace_preserving(u"baaac", u"a*", u"X", 0), u"XbXXcX");
+  EXPECT_EQ(re::regex_replace(u"baaac", u"a*", u"X", 0), u"XbXXcX");
+  EXPECT_EQ(re::regex_replace_preserving(u"Abc abc", u"(a)(b)", u"$2$1$12", re::constants::case_insensitive),
+            u"bAA2c baa2c");
+}
+
+TEST(ReplacePreserving, RegexFormLeavesTheRegexPastItsLastMatch) {
+  re::regex word(u"cr(\\w)", kCaseAndMarks);
+  EXPECT_EQ(re::regex_replace_preserving(word, kDecomposed, u"$1"), u"e\u0300me bru\u0302le\u0301e et e\u0300me");
+  EXPECT_EQ(word.match().start, npos);
+  EXPECT_EQ(word.str(0, 5), u"Creme");
 }
 
 }  // namespace

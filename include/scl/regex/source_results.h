@@ -8,6 +8,10 @@
 //                                            re::constants::ignore_diacritics)) {
 //     text.substr(m.start, m.end - m.start);  // u"Cre\u0300me", then u"cre\u0300me"
 //   }
+//   re::regex_replace_preserving(u"Caf\u00e9 cr\u00e8me, \u00e9t\u00e9", u"cafe", u"tea",
+//                                re::constants::case_insensitive |
+//                                    re::constants::ignore_diacritics);
+//   // u"tea cr\u00e8me, \u00e9t\u00e9": only the match changed
 //
 // Searches with normalize_nfc or ignore_diacritics run on prepared text, and
 // the positions that regex_result reports count its units. The functions here
@@ -53,6 +57,29 @@ SCL_REGEX_API std::vector<source_match> regex_find_all(regex& re, const std::u16
 SCL_REGEX_API std::vector<source_match> regex_find_all(const std::u16string& subject,
                                                        const std::u16string& pattern,
                                                        constants::syntax_option_type options);
+
+// Returns `subject` with the source range of every match of `re` (as
+// regex_find_all finds them) replaced by the expansion of `replacement`;
+// every unit outside the matches comes back as passed, accents, U+0000 units
+// and any text after a U+0000 that ignore_diacritics stopped at included.
+// The replacement is read up to its first U+0000, with ICU's syntax and rules:
+// "$n" and "${name}" insert the group's text from `subject` (nothing for a
+// group that took no part), and a backslash makes the next character literal
+// ("\uhhhh" and "\Uhhhhhhhh" give that character). A match whose source
+// range starts inside the previous replaced one is not replaced. Returns
+// `subject` unchanged if ICU would reject the replacement or a search step
+// fails. Where preparation changes nothing, the result is ICU's replaceAll on
+// `subject`. `re` is left as regex_find_all leaves it. Throws only
+// std::bad_alloc.
+SCL_REGEX_API std::u16string regex_replace_preserving(regex& re, const std::u16string& subject,
+                                                      const std::u16string& replacement);
+
+// The same with `pattern` compiled with `options`; returns `subject`
+// unchanged if ICU rejects the pattern. Never throws regex_exception.
+SCL_REGEX_API std::u16string regex_replace_preserving(const std::u16string& subject,
+                                                      const std::u16string& pattern,
+                                                      const std::u16string& replacement,
+                                                      constants::syntax_option_type options);
 
 }  // namespace scl::regex
 

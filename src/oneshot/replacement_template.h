@@ -1,0 +1,31 @@
+// Replacement text in ICU's syntax, read once into literal text and group
+// references, so that groups can be taken from any text.
+#ifndef SCL_REGEX_SRC_ONESHOT_REPLACEMENT_TEMPLATE_H
+#define SCL_REGEX_SRC_ONESHOT_REPLACEMENT_TEMPLATE_H
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace scl::regex::detail {
+
+// One part of an expansion: literal text, or (when `group` >= 0) a group.
+struct replacement_part {
+  std::u16string text;
+  int group = -1;
+};
+
+// Reads `replacement` as ICU's RegexMatcher::appendReplacement does: "\"
+// takes the next character literally ("\uhhhh" and "\Uhhhhhhhh" give that
+// character), "$" followed by digits is the longest group number not above
+// `group_count`, "${name}" the group that `number_of` names (a name of ASCII
+// letters and the digits 1-9; 0 when there is none). Returns false where ICU
+// reports an error: "$" followed by neither, a first digit above the count,
+// an unknown or malformed name.
+bool parse_replacement(const std::u16string& replacement, int group_count,
+                       const std::function<int(const std::string&)>& number_of,
+                       std::vector<replacement_part>& parts);
+
+}  // namespace scl::regex::detail
+
+#endif  // SCL_REGEX_SRC_ONESHOT_REPLACEMENT_TEMPLATE_H
