@@ -14,6 +14,10 @@
 //   replaceAll over the decoded texts, or it is the subject as passed in (when
 //   the pattern does not compile or ICU fails); "$0" gives back the decoded
 //   subject up to its first U+0000, re-encoded.
+// - regex_replace_preserving never throws; where preparing the subject leaves
+//   it as it is, the result is ICU's replaceAll of the prepared pattern (all
+//   of it) over the whole subject, the replacement cut at its first U+0000,
+//   or the subject when the pattern does not compile or ICU fails.
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -32,7 +36,7 @@ namespace {
 
 enum class which { all, first };
 
-// ICU's own replacement, or nothing if it fails. Screened by the caller.
+// ICU's own replacement, whole, or nothing if it fails. Screened by the caller.
 std::optional<std::u16string> icu_replace(const std::u16string& subject,
                                           const std::u16string& pattern,
                                           const std::u16string& replacement, std::uint32_t options,
@@ -47,7 +51,7 @@ std::optional<std::u16string> icu_replace(const std::u16string& subject,
   icu::UnicodeString output =
       how == which::all ? matcher.replaceAll(with, status) : matcher.replaceFirst(with, status);
   if (U_FAILURE(status)) return std::nullopt;
-  return fuzz::cut(std::u16string(output.getBuffer(), static_cast<std::size_t>(output.length())));
+  return std::u16string(output.getBuffer(), static_cast<std::size_t>(output.length()));
 }
 
 std::u16string from_utf8(const std::string& bytes) {
@@ -94,7 +98,7 @@ void check_utf16(const std::u16string& subject, const std::u16string& pattern,
     };
     const auto expected =
         icu_replace(fuzz::cut(prepared), prepared_pattern, fuzz::cut(replacement), options, how);
-    FUZZ_CHECK(replace(replacement) == expected.value_or(prepared));
+    FUZZ_CHECK(replace(replacement) == (expected ? fuzz::cut(*expected) : prepared));
     const bool works =
         icu_replace(fuzz::cut(prepared), prepared_pattern, u"$0", options, how).has_value();
     FUZZ_CHECK(replace(u"$0") == (works ? fuzz::cut(prepared) : prepared));
@@ -108,7 +112,7 @@ void check_utf8(const std::string& subject, const std::string& pattern,
                                     options, which::all);
   if (expected) {
     FUZZ_CHECK(valid_utf8(result));
-    FUZZ_CHECK(result == to_utf8(*expected));
+    FUZZ_CHECK(result == to_utf8(fuzz::cut(*expected)));
   } else {
     FUZZ_CHECK(result == subject);
   }
@@ -116,6 +120,15 @@ void check_utf8(const std::string& subject, const std::string& pattern,
   const bool works =
       icu_replace(from_utf8(subject), from_utf8(pattern), u"$0", options, which::all).has_value();
   FUZZ_CHECK(same == (works ? to_utf8(from_utf8(subject)) : subject));
+}
+
+void check_preserving(const std::u16string& subject, const std::u16string& pattern,
+                      const std::u16string& replacement, std::uint32_t options) {
+  const std::u16string result = re::regex_replace_preserving(subject, pattern, replacement, options);
+  if (re::prepare_text(subject, options) != subject) return;
+  const auto expected =
+      icu_replace(subject, re::prepare_text(pattern, options), fuzz::cut(replacement), options, which::all);
+  FUZZ_CHECK(result == expected.value_or(subject));
 }
 
 }  // namespace
@@ -132,9 +145,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const auto run16 = fuzz::screen(fuzz::cut(re::prepare_text(pattern, options)), options,
                                   fuzz::cut(re::prepare_text(subject, options)));
   const auto run8 = fuzz::screen(from_utf8(pattern8), options, from_utf8(subject8));
-  if (!run16 || !run8) return fuzz::kReject;
+  // The preserving replacement searches the whole subject with the whole pattern.
+  const auto whole = fuzz::screen(re::prepare_text(pattern, options), options, re::prepare_text(subject, options));
+  if (!run16 || !run8 || !whole) return fuzz::kReject;
 
   check_utf16(subject, pattern, replacement, options);
   check_utf8(subject8, pattern8, replacement8, options);
+  check_preserving(subject, pattern, replacement, options);
   return 0;
 }

@@ -29,6 +29,13 @@
 //   only when preparing the subject changes its length; with a subject that
 //   preparing leaves alone, it gives the text before the first match and
 //   after the last.
+// - regex_find_all, with a regex or with a pattern, gives one match per step
+//   of the walk (a failed step ends it), each the walk's positions mapped
+//   through prepare_text_mapped; every range lies inside the subject and
+//   never splits a surrogate pair; matches come in order; every match has
+//   getGroupsCount() + 1 groups; where both ends of a match fall on piece
+//   boundaries of the prepared text, preparing its source slice gives back
+//   the prepared match text.
 #include <algorithm>
 #include <cstdint>
 #include <limits>
@@ -39,6 +46,7 @@
 #include <vector>
 
 #include <scl/regex.h>
+#include <unicode/utf16.h>
 
 #include "fuzz_input.h"
 
@@ -239,6 +247,51 @@ void check_prefix_suffix(const walk_input& w, const std::u16string& prepared,
   }
 }
 
+// Whether prepared position `at` is a boundary between two pieces of the map:
+// the ends of the text, or where the units either side map to different pieces.
+bool piece_boundary(const re::prepared_text& mapped, std::size_t at) {
+  if (at == 0 || at == mapped.text().size()) return true;
+  return mapped.source_range(at - 1, at) != mapped.source_range(at, at + 1);
+}
+
+void check_find_all(const walk_input& w, const std::u16string& prepared, const fuzz::icu_run& run) {
+  re::regex rx = make_regex(w);
+  const std::vector<re::source_match> found = re::regex_find_all(rx, w.subject);
+  const std::vector<re::source_match> again = re::regex_find_all(w.subject, w.pattern, w.options);
+  const re::prepared_text mapped = re::prepare_text_mapped(w.subject, w.options);
+  FUZZ_CHECK(mapped.text() == prepared);
+  FUZZ_CHECK(found.size() == run.spans.size() && again.size() == found.size());
+  const auto splits_pair = [&w](std::size_t at) {
+    return at > 0 && at < w.subject.size() && U16_IS_LEAD(w.subject[at - 1]) &&
+           U16_IS_TRAIL(w.subject[at]);
+  };
+  const auto inside = [&](std::size_t start, std::size_t end) {
+    return start <= end && end <= w.subject.size() && !splits_pair(start) && !splits_pair(end);
+  };
+  std::size_t previous_start = 0, previous_end = 0;
+  for (std::size_t i = 0; i < found.size(); ++i) {
+    const re::source_match& m = found[i];
+    const auto span = std::make_pair(static_cast<std::size_t>(run.spans[i].first),
+                                     static_cast<std::size_t>(run.spans[i].second));
+    FUZZ_CHECK(std::make_pair(m.start, m.end) == mapped.source_range(span.first, span.second));
+    FUZZ_CHECK(inside(m.start, m.end));
+    FUZZ_CHECK(m.start >= previous_start && m.end >= previous_end);
+    previous_start = m.start;
+    previous_end = m.end;
+    FUZZ_CHECK(m.groups.size() == static_cast<std::size_t>(run.group_count) + 1);
+    FUZZ_CHECK(m.groups[0] == std::make_pair(m.start, m.end));
+    for (const auto& [start, end] : m.groups) {
+      FUZZ_CHECK((start == npos) == (end == npos));
+      if (start != npos) FUZZ_CHECK(inside(start, end));
+    }
+    FUZZ_CHECK(again[i].start == m.start && again[i].end == m.end && again[i].groups == m.groups);
+    if (piece_boundary(mapped, span.first) && piece_boundary(mapped, span.second)) {
+      FUZZ_CHECK(re::prepare_text(w.subject.substr(m.start, m.end - m.start), w.options) ==
+                 prepared.substr(span.first, span.second - span.first));
+    }
+  }
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -299,5 +352,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   check_match_ex(w, *run);
   check_tuples(w, texts, prepared, prepared_twice, *run_twice);
   check_prefix_suffix(w, prepared, *run);
+  check_find_all(w, prepared, *run);
   return 0;
 }

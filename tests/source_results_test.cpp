@@ -245,6 +245,14 @@ TEST(ReplacePreserving, BackslashMakesTheNextCharacterLiteral) {
             u"$1=caf\u00e9\\A");
 }
 
+TEST(ReplacePreserving, EscapesAreReadAsICUReadsThem) {
+  // A failed escape drops what ICU read of it; a lead surrogate escape at the
+  // end reads past it and leaves ICU one unit back, so its last digit comes again.
+  EXPECT_EQ(re::regex_replace_preserving(u"x", u"x", u"\\uZy|\\U0041xy|\\uD800", 0),
+            u"y|y|\xD800" u"0");
+  EXPECT_EQ(re::regex_replace(u"x", u"x", u"\\uZy|\\U0041xy|\\uD800", 0), u"y|y|\xD800" u"0");
+}
+
 TEST(ReplacePreserving, ReplacementEndsAtItsFirstNul) {
   EXPECT_EQ(re::regex_replace_preserving(u"caf\u00e9!", u"cafe", std::u16string(u"tea\0junk", 8), kCaseAndMarks),
             u"tea!");

@@ -5,25 +5,11 @@
 
 #include <unicode/uchar.h>
 #include <unicode/ustring.h>
+#include <unicode/utext.h>
 #include <unicode/utf16.h>
 
 namespace scl::regex::detail {
 namespace {
-
-// The text of an escape for u_unescapeAt, which also records how far it read.
-struct unescape_source {
-  const std::u16string* text;
-  std::size_t from;       // the unit after the backslash
-  std::size_t last_read;  // the furthest offset read from `from`
-};
-
-UChar unescape_char_at(int32_t offset, void* context) {
-  auto* source = static_cast<unescape_source*>(context);
-  const auto relative = static_cast<std::size_t>(offset);
-  if (relative > source->last_read) source->last_read = relative;
-  const std::size_t at = source->from + relative;
-  return at < source->text->size() ? (*source->text)[at] : u'\0';
-}
 
 void append_literal(std::vector<replacement_part>& parts, UChar32 c) {
   if (parts.empty() || parts.back().group >= 0) parts.push_back({});
@@ -33,6 +19,59 @@ void append_literal(std::vector<replacement_part>& parts, UChar32 c) {
     parts.back().text += U16_LEAD(c);
     parts.back().text += U16_TRAIL(c);
   }
+}
+
+// ICU reads a "\u" or "\U" escape of a replacement through a UText, by code
+// points, and goes on reading the replacement from wherever that reading left
+// the text: after a failed escape, or one whose look-ahead for a trail
+// surrogate ran off the end, that is not simply the end of the escape. This
+// reader moves the text exactly as ICU's does.
+struct escape_reader {
+  UText* text;
+  int32_t last_offset;
+};
+
+UChar read_escape_unit(int32_t offset, void* context) {
+  auto* reader = static_cast<escape_reader*>(context);
+  UChar32 c;
+  if (offset == reader->last_offset + 1) {
+    c = UTEXT_NEXT32(reader->text);
+    ++reader->last_offset;
+  } else if (offset == reader->last_offset) {
+    c = UTEXT_PREVIOUS32(reader->text);
+    UTEXT_NEXT32(reader->text);
+  } else {
+    utext_moveIndex32(reader->text, offset - reader->last_offset - 1);
+    c = UTEXT_NEXT32(reader->text);
+    reader->last_offset = offset;
+  }
+  return U_IS_BMP(c) ? static_cast<UChar>(c) : UChar{0};
+}
+
+// Reads the escape whose "u" or "U" is at `at`, appends its character if it
+// is one, and returns where reading goes on.
+std::size_t read_unicode_escape(const std::u16string& replacement, std::size_t at,
+                                std::vector<replacement_part>& parts) {
+  UErrorCode status = U_ZERO_ERROR;
+  UText text = UTEXT_INITIALIZER;
+  utext_openUChars(&text, replacement.data(), static_cast<int64_t>(replacement.size()), &status);
+  if (U_FAILURE(status)) return replacement.size();
+  UTEXT_SETNATIVEINDEX(&text, static_cast<int64_t>(at));
+  escape_reader reader{&text, -1};
+  int32_t offset = 0;
+  const UChar32 escaped = u_unescapeAt(read_escape_unit, &offset, INT32_MAX, &reader);
+  if (escaped != static_cast<UChar32>(0xFFFFFFFF)) {
+    append_literal(parts, escaped);
+    // Back to the end of the escape, from wherever the look-ahead went.
+    if (reader.last_offset == offset) {
+      (void)UTEXT_PREVIOUS32(&text);
+    } else if (reader.last_offset != offset - 1) {
+      utext_moveIndex32(&text, offset - reader.last_offset - 1);
+    }
+  }
+  const auto next = static_cast<std::size_t>(UTEXT_GETNATIVEINDEX(&text));
+  utext_close(&text);
+  return std::max(next, at + 1);  // always past the "u": every escape reads at least that
 }
 
 bool name_character(UChar32 c) {
@@ -54,21 +93,7 @@ bool parse_replacement(const std::u16string& replacement, int group_count,
       if (at == length) break;  // a backslash at the end is dropped
       const char16_t next = replacement[at];
       if (next == u'u' || next == u'U') {
-        unescape_source source{&replacement, at, 0};
-        int32_t offset = 0;
-        const UChar32 escaped = u_unescapeAt(unescape_char_at, &offset,
-                                             static_cast<int32_t>(std::min<std::size_t>(length - at, INT32_MAX)),
-                                             &source);
-        if (escaped != static_cast<UChar32>(0xFFFFFFFF)) {
-          append_literal(parts, escaped);
-          at += static_cast<std::size_t>(offset);
-        } else {
-          // ICU reads the replacement as it tries the escape; when the escape
-          // fails, everything read so far is dropped, through the whole
-          // character last read, and reading goes on after it.
-          at += source.last_read;
-          U16_FWD_1(replacement.data(), at, length);
-        }
+        at = read_unicode_escape(replacement, at, parts);
         continue;
       }
       U16_NEXT(replacement.data(), at, length, c);

@@ -17,9 +17,10 @@ struct replacement_part {
 
 // Reads `replacement` as ICU's RegexMatcher::appendReplacement does: "\"
 // takes the next character literally ("\uhhhh" and "\Uhhhhhhhh" give that
-// character), "$" followed by digits is the longest group number not above
-// `group_count`, "${name}" the group that `number_of` names (a name of ASCII
-// letters and the digits 1-9; 0 when there is none). Returns false where ICU
+// character; what ICU reads of an escape that fails gives nothing), "$"
+// followed by digits is the longest group number not above `group_count`,
+// "${name}" the group that `number_of` names (a name of ASCII letters and the
+// digits 1-9; 0 when there is none). Returns false where ICU
 // reports an error: "$" followed by neither, a first digit above the count,
 // an unknown or malformed name.
 bool parse_replacement(const std::u16string& replacement, int group_count,
