@@ -1,5 +1,7 @@
 // Walking some 10,000 matches of a 1 MiB subject and reading their groups:
-// with regex_iterator on a compiled regex, and collected into match tuples.
+// with regex_iterator on a compiled regex, and collected into match tuples;
+// and regex_find_all, which locates them in the caller's text, against the
+// regex_iterator walk that reads the same positions in the prepared text.
 #include <cstdint>
 #include <string>
 #include <utility>
@@ -103,11 +105,46 @@ void icu_tuples(benchmark::State& state) {
   state.counters["matches"] = static_cast<double>(out.size());
 }
 
+constexpr std::uint32_t kCaseAndMarks = 0x5;
+
+void lib_iterator_positions(benchmark::State& state) {
+  const std::u16string& subject = bench::record_text(kUnits);
+  scl::regex::regex re(bench::record_pattern(), kCaseAndMarks);
+  std::size_t matches = 0;
+  for (auto _ : state) {
+    matches = 0;
+    for (scl::regex::regex_iterator it(subject, re); it->start != scl::regex::npos; ++it) {
+      benchmark::DoNotOptimize(it->start);
+      benchmark::DoNotOptimize(it->end);
+      for (const scl::regex::group_result& group : it->groups) {
+        benchmark::DoNotOptimize(group.start);
+        benchmark::DoNotOptimize(group.end);
+      }
+      ++matches;
+    }
+  }
+  state.counters["matches"] = static_cast<double>(matches);
+}
+
+void lib_find_all(benchmark::State& state) {
+  const std::u16string& subject = bench::record_text(kUnits);
+  scl::regex::regex re(bench::record_pattern(), kCaseAndMarks);
+  std::size_t matches = 0;
+  for (auto _ : state) {
+    const std::vector<scl::regex::source_match> found = scl::regex::regex_find_all(re, subject);
+    benchmark::DoNotOptimize(found.data());
+    matches = found.size();
+  }
+  state.counters["matches"] = static_cast<double>(matches);
+}
+
 [[maybe_unused]] const bool registered = [] {
   benchmark::RegisterBenchmark("lib/iterator_groups/opt0/accented/1M", lib_walk);
   benchmark::RegisterBenchmark("icu/iterator_groups/opt0/accented/1M", icu_walk);
   benchmark::RegisterBenchmark("lib/search_tuples/opt0/accented/1M", lib_tuples);
   benchmark::RegisterBenchmark("icu/search_tuples/opt0/accented/1M", icu_tuples);
+  benchmark::RegisterBenchmark("lib/iterator_positions/opt5/accented/1M", lib_iterator_positions);
+  benchmark::RegisterBenchmark("lib/find_all/opt5/accented/1M", lib_find_all);
   return true;
 }();
 

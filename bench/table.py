@@ -9,6 +9,9 @@ import json
 import re
 import sys
 
+# Cases measured only against the library's own baseline.
+OWN_CASES = ("prepare_mapped/", "find_all/", "iterator_positions/")
+
 UNIT_NS = {"ns": 1.0, "us": 1e3, "ms": 1e6, "s": 1e9}
 
 
@@ -62,7 +65,7 @@ def main(path):
     cases = []
     for name in runs:
         side, _, case = name.partition("/")
-        if side in ("lib", "icu") and case not in cases and not case.startswith("prepare_mapped/"):
+        if side in ("lib", "icu") and case not in cases and not case.startswith(OWN_CASES):
             cases.append(case)
 
     def get(side, case):
@@ -81,6 +84,7 @@ def main(path):
     against_itself = (
         (r"search/opt([24])/(.+)$", "search/opt0/{1}", "search 0x{0} vs search 0 /{1}"),
         (r"prepare_mapped/(.+)$", "prepare_normalisers/{0}", "prepare_text_mapped vs prepare_text /{0}"),
+        (r"find_all/(.+)$", "iterator_positions/{0}", "regex_find_all vs regex_iterator positions /{0}"),
     )
     own = []
     for case in [n.partition("/")[2] for n in runs if n.startswith("lib/")]:

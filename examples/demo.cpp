@@ -1,7 +1,8 @@
 // A tour of scl_regex, one section per family of its interface: compiling
 // with options and text preparation, errors, search and groups on a handle,
 // replacement on a handle, one-shot replace and escape, the regex object and
-// its iterator, collecting matches, the text around matches, group names.
+// its iterator, collecting matches, the text around matches, group names,
+// and matches located in the caller's own text.
 #include <cstdio>
 #include <string>
 #include <vector>
@@ -163,5 +164,23 @@ int main() {
       re::regex_search_prefix_suffix(u"<b>bold</b> and <i>italic</i>!", u"<[^>]+>", 0);
   std::printf("  before the first tag: \"%s\", after the last: \"%s\"\n", utf8(prefix).c_str(),
               utf8(suffix).c_str());
+
+  std::puts("\nResults in your text: \"creme\" in decomposed text (e + U+0300), with 0x5:");
+  const std::u16string dessert = u"Cre\u0300me bru\u0302le\u0301e et cre\u0300me";
+  const re::constants::syntax_option_type loose = re::constants::case_insensitive | accents;
+  re::regex creme(u"creme", loose);
+  std::printf("  prepared positions:");
+  for (re::regex_iterator it(dessert, creme); it->start != re::npos; ++it) {
+    std::printf(" [%zu, %zu) \"%s\" of the caller's text", it->start, it->end,
+                utf8(dessert.substr(it->start, it->end - it->start)).c_str());
+  }
+  std::printf("\n  caller's positions: ");
+  for (const re::source_match& m : re::regex_find_all(dessert, u"creme", loose)) {
+    std::printf(" [%zu, %zu) \"%s\"", m.start, m.end, utf8(dessert.substr(m.start, m.end - m.start)).c_str());
+  }
+  std::printf("\n  regex_replace \"(cr)eme\" -> \"[$1]\":            %s\n",
+              utf8(re::regex_replace(dessert, u"(cr)eme", u"[$1]", loose)).c_str());
+  std::printf("  regex_replace_preserving \"(cr)eme\" -> \"[$1]\": %s\n",
+              utf8(re::regex_replace_preserving(dessert, u"(cr)eme", u"[$1]", loose)).c_str());
   return 0;
 }
