@@ -22,5 +22,6 @@
 #include <scl/regex/regex_iterator.h>
 #include <scl/regex/result.h>
 #include <scl/regex/source_results.h>
+#include <scl/regex/time_limit.h>
 
 #endif  // SCL_REGEX_H

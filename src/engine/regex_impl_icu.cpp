@@ -12,6 +12,7 @@
 #include "engine/icu_text.h"
 #include "handle/matcher_storage.h"
 #include "scl/regex/prepare.h"
+#include "time_limit/deadline.h"
 
 namespace scl::regex::detail {
 namespace {
@@ -23,10 +24,13 @@ std::size_t position(std::int64_t icu_position) { return static_cast<std::size_t
 
 // Searches on, and with `retry_on_stack_overflow` searches once more with the
 // backtrack stack doubled if ICU ran out of it. Returns ICU's answer; `status`
-// holds the status that stands: the first search's, unless the retry ran.
+// holds the status that stands: the first search's, unless the retry ran (a
+// search stopped by the thread's time limit is U_REGEX_TIME_OUT).
 bool find_next(icu::RegexMatcher& matcher, std::uint32_t match_flags, UErrorCode& status) {
   status = U_ZERO_ERROR;
+  check_deadline(status);
   const bool found = matcher.find(status);
+  status = search_status(status);
   if (status != U_REGEX_STACK_OVERFLOW ||
       (match_flags & constants::retry_on_stack_overflow) == 0) {
     return found;
@@ -38,7 +42,10 @@ bool find_next(icu::RegexMatcher& matcher, std::uint32_t match_flags, UErrorCode
   matcher.setStackLimit(doubled, limit_status);
   if (U_FAILURE(limit_status)) return found;
   status = U_ZERO_ERROR;
-  return matcher.find(status);
+  check_deadline(status);
+  const bool retried = matcher.find(status);
+  status = search_status(status);
+  return retried;
 }
 
 // Stores the raw subject, prepares it into the engine's subject and rewinds
@@ -67,8 +74,9 @@ expected_result<std::u16string> replace_all(regex_impl_icu& engine,
   if (m == nullptr) return regex_exception(kMatcherNotAvailable);
   engine.reset(subject_text, engine.matcher.get_deleter().options);
   UErrorCode status = U_ZERO_ERROR;
-  icu::UnicodeString output = m->replaceAll(icu_whole(replacement), status);
-  if (U_FAILURE(status)) return regex_exception(status);
+  icu::UnicodeString output =
+      replace_within_deadline(*m, &icu::RegexMatcher::replaceAll, icu_whole(replacement), status);
+  if (U_FAILURE(status)) return regex_exception(search_status(status));
   const char16_t* buffer = output.getTerminatedBuffer();
   return buffer != nullptr ? std::u16string(buffer) : subject_text;
 }

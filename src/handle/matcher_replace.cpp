@@ -6,6 +6,7 @@
 #include "handle/matcher_storage.h"
 #include "handle/replace_loops.h"
 #include "scl/regex/matcher_replace.h"
+#include "time_limit/deadline.h"
 
 namespace scl::regex {
 namespace {
@@ -46,7 +47,8 @@ std::u16string regex_replace(const matcher_ptr& handle, const std::u16string& su
                              const std::u16string& replacement) {
   return replace_on_handle(handle, subject, [&](icu::UnicodeString& output, icu::RegexMatcher& m) {
     UErrorCode status = U_ZERO_ERROR;
-    output = m.replaceAll(detail::icu_until_nul(replacement), status);
+    output = detail::replace_within_deadline(m, &icu::RegexMatcher::replaceAll,
+                                             detail::icu_until_nul(replacement), status);
     return U_SUCCESS(status);
   });
 }
@@ -82,6 +84,7 @@ std::u16string regex_replace(const std::u16string& subject, const std::u16string
   UErrorCode status = U_ZERO_ERROR;
   icu::RegexMatcher matcher(icu_pattern, input, detail::icu_flags(options), status);
   if (U_FAILURE(status)) return subject;
+  detail::watch_deadline(matcher);
   icu::UnicodeString output;
   const bool succeeded = detail::replace_loop_text(output, matcher, callback);
   return result_or_subject(succeeded, output, subject);

@@ -6,6 +6,7 @@
 #include "prepare/prepare_pass.h"
 #include "scl/regex/matcher_search.h"
 #include "scl/regex/prepare.h"
+#include "time_limit/deadline.h"
 
 namespace scl::regex {
 
@@ -27,6 +28,7 @@ bool regex_search(const matcher_ptr& handle, const std::u16string& subject, bool
     detail::reset_onto(*matcher, prepared.c_str(), detail::length_until_nul(prepared));
   }
   UErrorCode status = U_ZERO_ERROR;
+  detail::check_deadline(status);
   const bool found = whole ? matcher->matches(status) : matcher->find(0, status);
   return U_SUCCESS(status) && found;
 }

@@ -7,6 +7,7 @@
 #include <unicode/uobject.h>
 
 #include "engine/icu_text.h"
+#include "time_limit/deadline.h"
 
 namespace scl::regex::detail {
 namespace {
@@ -37,7 +38,9 @@ icu::RegexMatcher* new_matcher(const icu::UnicodeString& pattern, std::uint32_t 
   void* storage = icu::UMemory::operator new(kStorageSize);
   if (storage == nullptr) return nullptr;
   new (slot_address(storage)) icu::UnicodeString();
-  return new (storage) icu::RegexMatcher(pattern, flags, status);
+  auto* matcher = new (storage) icu::RegexMatcher(pattern, flags, status);
+  watch_deadline(*matcher);
+  return matcher;
 }
 
 void delete_matcher(icu::RegexMatcher* matcher) noexcept {

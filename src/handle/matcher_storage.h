@@ -17,9 +17,10 @@
 
 namespace scl::regex::detail {
 
-// Compiles `pattern` with ICU `flags` into a new matcher. Returns null, with
-// `status` untouched, if ICU's allocator has no storage. Otherwise returns the
-// matcher even when ICU reports a failure in `status`; the caller destroys it.
+// Compiles `pattern` with ICU `flags` into a new matcher, whose searches keep
+// the thread's time limit. Returns null, with `status` untouched, if ICU's
+// allocator has no storage. Otherwise returns the matcher even when ICU
+// reports a failure in `status`; the caller destroys it.
 icu::RegexMatcher* new_matcher(const icu::UnicodeString& pattern, std::uint32_t flags,
                                UErrorCode& status);
 

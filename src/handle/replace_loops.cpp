@@ -4,6 +4,7 @@
 
 #include "engine/icu_text.h"
 #include "handle/matcher_storage.h"
+#include "time_limit/deadline.h"
 
 namespace scl::regex::detail {
 namespace {
@@ -28,6 +29,7 @@ bool replace_loop(icu::UnicodeString& output, icu::RegexMatcher& matcher, bool w
                   Flag initial, Call&& call) {
   UErrorCode status = U_ZERO_ERROR;
   for (;;) {
+    check_deadline(status);  // a callback's time counts toward the deadline
     if (!matcher.find(status)) {
       if (U_FAILURE(status)) return false;
       matcher.appendTail(output);
@@ -71,7 +73,7 @@ bool replace_first_on_matcher(icu::UnicodeString& output, const icu::UnicodeStri
                               icu::RegexMatcher* matcher) {
   if (matcher == nullptr) return false;
   UErrorCode status = U_ZERO_ERROR;
-  output = matcher->replaceFirst(replacement, status);
+  output = replace_within_deadline(*matcher, &icu::RegexMatcher::replaceFirst, replacement, status);
   return U_SUCCESS(status);
 }
 

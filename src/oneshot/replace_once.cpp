@@ -6,12 +6,10 @@
 
 #include "engine/icu_text.h"
 #include "i18n/host_i18n.h"
+#include "time_limit/deadline.h"
 
 namespace scl::regex::detail {
 namespace {
-
-using replace_member = icu::UnicodeString (icu::RegexMatcher::*)(const icu::UnicodeString&,
-                                                                 UErrorCode&);
 
 // Runs `replace` over `input`; false if the pattern does not compile or ICU fails.
 bool replace_in(const icu::UnicodeString& input, const icu::UnicodeString& pattern,
@@ -20,7 +18,8 @@ bool replace_in(const icu::UnicodeString& input, const icu::UnicodeString& patte
   UErrorCode status = U_ZERO_ERROR;
   icu::RegexMatcher matcher(pattern, input, flags, status);
   if (U_FAILURE(status)) return false;
-  output = (matcher.*replace)(replacement, status);
+  watch_deadline(matcher);
+  output = replace_within_deadline(matcher, replace, replacement, status);
   return U_SUCCESS(status);
 }
 

@@ -1,0 +1,42 @@
+// How searches on ICU matchers keep the calling thread's match_time_limit.
+//
+// Every matcher the library makes carries a match callback that ICU calls
+// every few thousand steps of a search; it stops the search once the thread's
+// deadline has passed (ICU then reports U_REGEX_STOPPED_BY_CALLER). Before a
+// search starts, check_deadline fails it at once if the deadline has passed.
+#ifndef SCL_REGEX_SRC_TIME_LIMIT_DEADLINE_H
+#define SCL_REGEX_SRC_TIME_LIMIT_DEADLINE_H
+
+#include <unicode/regex.h>
+#include <unicode/utypes.h>
+
+namespace scl::regex::detail {
+
+// Gives `matcher` the callback that stops its searches at the deadline of the
+// thread that runs them. Costs nothing while no limit is live.
+void watch_deadline(icu::RegexMatcher& matcher) noexcept;
+
+// Sets `status` to U_REGEX_TIME_OUT if a limit is live on this thread and its
+// deadline has passed, so that the ICU call it is passed to does nothing.
+void check_deadline(UErrorCode& status) noexcept;
+
+// RegexMatcher::replaceAll or replaceFirst.
+using replace_member = icu::UnicodeString (icu::RegexMatcher::*)(const icu::UnicodeString&,
+                                                                 UErrorCode&);
+
+// Calls `replace` on `matcher` within the thread's deadline. ICU's replaceAll
+// goes on past a search that the deadline stopped as if there were no more
+// matches; this reports any such stop as U_REGEX_TIME_OUT in `status`.
+icu::UnicodeString replace_within_deadline(icu::RegexMatcher& matcher, replace_member replace,
+                                           const icu::UnicodeString& replacement,
+                                           UErrorCode& status);
+
+// A search's status as the library reports it: a search stopped by the
+// deadline is U_REGEX_TIME_OUT.
+constexpr UErrorCode search_status(UErrorCode status) noexcept {
+  return status == U_REGEX_STOPPED_BY_CALLER ? U_REGEX_TIME_OUT : status;
+}
+
+}  // namespace scl::regex::detail
+
+#endif  // SCL_REGEX_SRC_TIME_LIMIT_DEADLINE_H

@@ -1,0 +1,91 @@
+// The calling thread's live time limits, innermost first.
+#include <chrono>
+
+#include "scl/regex/time_limit.h"
+#include "time_limit/deadline.h"
+
+namespace scl::regex {
+
+namespace detail {
+
+struct time_limit_chain {
+  using clock = std::chrono::steady_clock;
+
+  // The innermost live limit of this thread, or null.
+  static match_time_limit*& innermost() noexcept {
+    thread_local match_time_limit* limit = nullptr;
+    return limit;
+  }
+
+  // How many searches this thread's deadlines have stopped.
+  static unsigned& stops() noexcept {
+    thread_local unsigned count = 0;
+    return count;
+  }
+
+  // Whether this thread's deadline has passed; if so every live limit learns
+  // that a search was stopped.
+  static bool passed() noexcept {
+    match_time_limit* limit = innermost();
+    if (limit == nullptr || clock::now() < limit->deadline_) return false;
+    for (; limit != nullptr; limit = limit->enclosing_) limit->exceeded_ = true;
+    ++stops();
+    return true;
+  }
+
+  static void enter(match_time_limit& limit, std::chrono::milliseconds length) noexcept {
+    const clock::time_point now = clock::now();
+    // Saturates instead of overflowing the clock's representation.
+    const auto room = std::chrono::duration_cast<std::chrono::milliseconds>(clock::time_point::max() - now);
+    if (length <= std::chrono::milliseconds::zero()) {
+      limit.deadline_ = now;
+    } else if (length >= room) {
+      limit.deadline_ = clock::time_point::max();
+    } else {
+      limit.deadline_ = now + std::chrono::duration_cast<clock::duration>(length);
+    }
+    limit.enclosing_ = innermost();
+    if (limit.enclosing_ != nullptr && limit.enclosing_->deadline_ < limit.deadline_) {
+      limit.deadline_ = limit.enclosing_->deadline_;
+    }
+    innermost() = &limit;
+  }
+
+  static void leave(match_time_limit& limit) noexcept { innermost() = limit.enclosing_; }
+};
+
+namespace {
+
+// ICU's match callback: go on until the deadline.
+UBool until_deadline(const void*, int32_t) { return !time_limit_chain::passed(); }
+
+}  // namespace
+
+void watch_deadline(icu::RegexMatcher& matcher) noexcept {
+  UErrorCode status = U_ZERO_ERROR;
+  matcher.setMatchCallback(until_deadline, nullptr, status);
+}
+
+void check_deadline(UErrorCode& status) noexcept {
+  if (U_SUCCESS(status) && time_limit_chain::passed()) status = U_REGEX_TIME_OUT;
+}
+
+icu::UnicodeString replace_within_deadline(icu::RegexMatcher& matcher, replace_member replace,
+                                           const icu::UnicodeString& replacement,
+                                           UErrorCode& status) {
+  check_deadline(status);
+  const unsigned stops = time_limit_chain::stops();
+  icu::UnicodeString output = (matcher.*replace)(replacement, status);
+  if (U_SUCCESS(status) && time_limit_chain::stops() != stops) status = U_REGEX_TIME_OUT;
+  return output;
+}
+
+}  // namespace detail
+
+match_time_limit::match_time_limit(std::chrono::milliseconds limit) {
+  detail::time_limit_chain::enter(*this, limit);
+}
+
+match_time_limit::~match_time_limit() { detail::time_limit_chain::leave(*this); }
+
+}  // namespace scl::regex
