@@ -1,6 +1,7 @@
 // The free functions run on many threads at once; each thread owns its own
 // handles and regex objects. Every result is checked. Built and run under
 // ThreadSanitizer as well.
+#include <chrono>
 #include <cstring>
 #include <functional>
 #include <memory>
@@ -66,6 +67,30 @@ TEST(ConcurrentFreeFunctions, OneShotReplaceUtf16AndUtf8) {
               wrong += replaced != expected;
               wrong += scl::regex::regex_replace_first(u"aaa", u"a", u"b", 0) != u"baa";
               wrong += scl::regex::regex_replace("\xC3\xA9t\xC3\xA9"s, "\xC3\xA9"s, "e"s, 0) != "ete";
+              return wrong;
+            }),
+            0);
+}
+
+TEST(ConcurrentFreeFunctions, TimeLimitsStopOnlyTheirOwnThreadsSearches) {
+  // Even threads run never-ending patterns under a 30 ms limit; odd threads run
+  // ordinary searches without one, which must see no limit at all.
+  const std::u16string hanging[] = {u"(a?)+?b", u"(a|)+?b", u"(a*)+?b"};
+  EXPECT_EQ(scl_regex_test::run_on_threads(kThreads, 3, [&](int t, int r) {
+              int wrong = 0;
+              if (t % 2 == 0) {
+                scl::regex::match_time_limit limit(std::chrono::milliseconds(30));
+                const std::u16string& pattern = hanging[(t / 2 + r) % 3];
+                wrong += scl::regex::regex_search(u"aac", pattern.c_str(), false, 0);
+                wrong += scl::regex::regex_replace(u"ab aac", pattern, u"x", 0) != u"ab aac";
+                wrong += !limit.exceeded();
+              } else {
+                for (int i = 0; i < 200; ++i) {
+                  const std::u16string subject = numbered(t, r + i);
+                  wrong += !scl::regex::regex_search(subject.c_str(), u"CAFE x+", false, 0x5);
+                  wrong += scl::regex::regex_replace(subject, u"7+", u"#", 0).back() != u'#';
+                }
+              }
               return wrong;
             }),
             0);

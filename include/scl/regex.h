@@ -6,6 +6,7 @@
 #ifndef SCL_REGEX_H
 #define SCL_REGEX_H
 
+#include <scl/regex/check_pattern.h>
 #include <scl/regex/exception.h>
 #include <scl/regex/expected.h>
 #include <scl/regex/matcher.h>
