@@ -11,6 +11,8 @@ import sys
 
 # Cases measured only against the library's own baseline.
 OWN_CASES = ("prepare_mapped/", "find_all/", "iterator_positions/")
+# Cases that report how late a search stopped after a 50 ms deadline.
+LATENCY_PREFIX = "limit/stop_latency/"
 
 UNIT_NS = {"ns": 1.0, "us": 1e3, "ms": 1e6, "s": 1e9}
 
@@ -115,6 +117,20 @@ def main(path):
         rows.append(None)
         rows.append(("speed-up (items/s, 2 threads / 1)", "lib", "ICU", ""))
         rows.extend(speedups)
+
+    # Time limits: how late past the deadline each search stopped (ms).
+    latency = []
+    for name, run in runs.items():
+        if name.startswith(LATENCY_PREFIX):
+            label = name[len(LATENCY_PREFIX):].replace("/iterations:20/real_time", "")
+            if "error" in run:
+                latency.append((label, run["error"], "", ""))
+            else:
+                latency.append((label, f"{run['late_max_ms']:.2f}", f"{run['late_mean_ms']:.2f}", ""))
+    if latency:
+        rows.append(None)
+        rows.append(("stop after a 50 ms deadline", "late max ms", "late mean ms", ""))
+        rows.extend(latency)
 
     widths = [max(len(r[i]) for r in rows if r) for i in range(4)]
     for row in rows:

@@ -10,6 +10,10 @@
 // - what() is never null and is one of the library's messages or
 //   "unknown regex error"; it is the same pointer for a copy.
 // - getErrorCodeMnemonic() is ICU's name for the low 32 bits of the code.
+// - check_pattern agrees with createExpectedMatcher (no value exactly when it
+//   holds a matcher, else the same error); its offset is npos or at most the
+//   pattern's length, and never splits a surrogate pair; its description
+//   starts with the error's message.
 #include <cstdint>
 #include <cstring>
 #include <optional>
@@ -17,6 +21,7 @@
 #include <string>
 
 #include <unicode/regex.h>
+#include <unicode/utf16.h>
 #include <unicode/utypes.h>
 
 #include <scl/regex.h>
@@ -117,6 +122,17 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   } else {
     FUZZ_CHECK(expected.value() != nullptr);
     FUZZ_CHECK(re::get_group_count(expected.value()) == icu_groups + 1);
+  }
+
+  const std::optional<re::pattern_error> checked = re::check_pattern(pattern, options);
+  FUZZ_CHECK(checked.has_value() == expected.has_error());
+  if (checked) {
+    FUZZ_CHECK(check_exception(checked->error, icu_status) == *thrown);
+    const std::size_t at = checked->offset;
+    FUZZ_CHECK(at == re::npos || at <= pattern.size());
+    FUZZ_CHECK(at == re::npos || at == 0 || at == pattern.size() ||
+               !(U16_IS_LEAD(pattern[at - 1]) && U16_IS_TRAIL(pattern[at])));
+    FUZZ_CHECK(checked->description.rfind(checked->error.what(), 0) == 0);
   }
 
   try {
