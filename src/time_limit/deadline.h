@@ -7,6 +7,8 @@
 #ifndef SCL_REGEX_SRC_TIME_LIMIT_DEADLINE_H
 #define SCL_REGEX_SRC_TIME_LIMIT_DEADLINE_H
 
+#include <atomic>
+
 #include <unicode/regex.h>
 #include <unicode/utypes.h>
 
@@ -16,9 +18,18 @@ namespace scl::regex::detail {
 // thread that runs them. Costs nothing while no limit is live.
 void watch_deadline(icu::RegexMatcher& matcher) noexcept;
 
+// How many match_time_limit objects live, on all threads together. While
+// there are none, a search does not even look at its thread's limits.
+extern std::atomic<unsigned> live_time_limits;
+
+// The check_deadline below, once some limit lives somewhere.
+void check_thread_deadline(UErrorCode& status) noexcept;
+
 // Sets `status` to U_REGEX_TIME_OUT if a limit is live on this thread and its
 // deadline has passed, so that the ICU call it is passed to does nothing.
-void check_deadline(UErrorCode& status) noexcept;
+inline void check_deadline(UErrorCode& status) noexcept {
+  if (live_time_limits.load(std::memory_order_relaxed) != 0) check_thread_deadline(status);
+}
 
 // RegexMatcher::replaceAll or replaceFirst.
 using replace_member = icu::UnicodeString (icu::RegexMatcher::*)(const icu::UnicodeString&,

@@ -8,6 +8,8 @@ namespace scl::regex {
 
 namespace detail {
 
+std::atomic<unsigned> live_time_limits{0};
+
 struct time_limit_chain {
   using clock = std::chrono::steady_clock;
 
@@ -49,9 +51,15 @@ struct time_limit_chain {
       limit.deadline_ = limit.enclosing_->deadline_;
     }
     innermost() = &limit;
+    // Only this thread's own count matters to its searches, and program order
+    // makes that visible to it.
+    live_time_limits.fetch_add(1, std::memory_order_relaxed);
   }
 
-  static void leave(match_time_limit& limit) noexcept { innermost() = limit.enclosing_; }
+  static void leave(match_time_limit& limit) noexcept {
+    innermost() = limit.enclosing_;
+    live_time_limits.fetch_sub(1, std::memory_order_relaxed);
+  }
 };
 
 namespace {
@@ -66,7 +74,7 @@ void watch_deadline(icu::RegexMatcher& matcher) noexcept {
   matcher.setMatchCallback(until_deadline, nullptr, status);
 }
 
-void check_deadline(UErrorCode& status) noexcept {
+void check_thread_deadline(UErrorCode& status) noexcept {
   if (U_SUCCESS(status) && time_limit_chain::passed()) status = U_REGEX_TIME_OUT;
 }
 
