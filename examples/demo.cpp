@@ -2,8 +2,10 @@
 // with options and text preparation, errors, search and groups on a handle,
 // replacement on a handle, one-shot replace and escape, the regex object and
 // its iterator, collecting matches, the text around matches, group names,
-// and matches located in the caller's own text.
+// matches located in the caller's own text, and patterns typed by users.
+#include <chrono>
 #include <cstdio>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -182,5 +184,21 @@ int main() {
               utf8(re::regex_replace(dessert, u"(cr)eme", u"[$1]", loose)).c_str());
   std::printf("  regex_replace_preserving \"(cr)eme\" -> \"[$1]\": %s\n",
               utf8(re::regex_replace_preserving(dessert, u"(cr)eme", u"[$1]", loose)).c_str());
+
+  std::puts("\nPatterns typed by users:");
+  {
+    // "(a?)+?b" never returns on "aac" without a limit.
+    const auto start = std::chrono::steady_clock::now();
+    re::match_time_limit limit(std::chrono::milliseconds(50));
+    const bool found = re::regex_search(u"aac", u"(a?)+?b", false, 0);
+    const auto took = std::chrono::duration_cast<std::chrono::milliseconds>(
+        std::chrono::steady_clock::now() - start);
+    std::printf("  \"(a?)+?b\" on \"aac\" under a 50 ms limit: %s after %lld ms (exceeded: %s)\n",
+                found ? "found" : "not found", static_cast<long long>(took.count()),
+                limit.exceeded() ? "yes" : "no");
+  }
+  if (const std::optional<re::pattern_error> bad = re::check_pattern(u"price: (\\d+ EUR", 0)) {
+    std::printf("  check_pattern says, at offset %zu:\n%s\n", bad->offset, bad->description.c_str());
+  }
   return 0;
 }

@@ -1,6 +1,7 @@
 // match_time_limit: one deadline for every search on the thread, whatever the
 // family of functions, with each function's documented failure result.
 #include <chrono>
+#include <memory>
 #include <string>
 #include <thread>
 #include <utility>
@@ -218,6 +219,15 @@ TEST(TimeLimit, InnerEarlierDeadlineGovernsAndEndsWithItsScope) {
     EXPECT_TRUE(inner.exceeded());
   }
   EXPECT_TRUE(outer.exceeded());  // a search was stopped while it lived
+  EXPECT_TRUE(re::regex_search(u"abc", u"b", false, 0));
+}
+
+TEST(TimeLimit, LimitsEndingOutOfOrderOnTheirThreadLeaveNoDanglingDeadline) {
+  auto outer = std::make_unique<re::match_time_limit>(milliseconds(0));
+  auto inner = std::make_unique<re::match_time_limit>(std::chrono::hours(1));
+  outer.reset();
+  EXPECT_FALSE(re::regex_search(u"abc", u"b", false, 0));  // inner took the earlier deadline
+  inner.reset();
   EXPECT_TRUE(re::regex_search(u"abc", u"b", false, 0));
 }
 

@@ -57,7 +57,11 @@ struct time_limit_chain {
   }
 
   static void leave(match_time_limit& limit) noexcept {
-    innermost() = limit.enclosing_;
+    // Normally `limit` is the innermost; should limits end out of order on
+    // this thread, it is unlinked from wherever it is.
+    match_time_limit** link = &innermost();
+    while (*link != nullptr && *link != &limit) link = &(*link)->enclosing_;
+    if (*link == &limit) *link = limit.enclosing_;
     live_time_limits.fetch_sub(1, std::memory_order_relaxed);
   }
 };
