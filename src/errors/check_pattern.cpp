@@ -8,6 +8,7 @@
 #include <unicode/parseerr.h>
 #include <unicode/regex.h>
 
+#include "cache/pattern_cache.h"
 #include "engine/icu_flags.h"
 #include "engine/icu_text.h"
 #include "errors/caret_excerpt.h"
@@ -24,9 +25,10 @@ std::optional<pattern_error> check_pattern(const std::u16string& pattern,
   where.offset = -1;
   UErrorCode status = U_ZERO_ERROR;
   // The whole prepared pattern, embedded U+0000 units included, as createMatcher compiles it.
-  const std::unique_ptr<icu::RegexPattern> compiled(icu::RegexPattern::compile(
-      detail::icu_whole(prepared.text()), detail::icu_flags(options), where, status));
-  if (U_SUCCESS(status)) return std::nullopt;
+  if (detail::compiled_pattern(detail::icu_whole(prepared.text()), detail::icu_flags(options), status,
+                               &where) != nullptr) {
+    return std::nullopt;
+  }
 
   std::size_t offset = detail::parse_offset(prepared.text(), where.line, where.offset);
   if (offset != npos) {

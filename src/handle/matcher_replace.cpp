@@ -1,6 +1,7 @@
 // Replacement with a matcher handle, and the one-shot callback form.
 #include <utility>
 
+#include "cache/pattern_cache.h"
 #include "engine/icu_flags.h"
 #include "engine/icu_text.h"
 #include "handle/matcher_storage.h"
@@ -82,11 +83,13 @@ std::u16string regex_replace(const std::u16string& subject, const std::u16string
   const icu::UnicodeString icu_pattern = detail::icu_until_nul(pattern);
   const icu::UnicodeString input = detail::icu_until_nul(subject);
   UErrorCode status = U_ZERO_ERROR;
-  icu::RegexMatcher matcher(icu_pattern, input, detail::icu_flags(options), status);
-  if (U_FAILURE(status)) return subject;
-  detail::watch_deadline(matcher);
+  const detail::shared_pattern compiled =
+      detail::compiled_pattern(icu_pattern, detail::icu_flags(options), status);
+  if (compiled == nullptr) return subject;
+  const std::unique_ptr<icu::RegexMatcher> matcher = detail::new_matcher_of(*compiled, &input, status);
+  if (matcher == nullptr) return subject;
   icu::UnicodeString output;
-  const bool succeeded = detail::replace_loop_text(output, matcher, callback);
+  const bool succeeded = detail::replace_loop_text(output, *matcher, callback);
   return result_or_subject(succeeded, output, subject);
 }
 

@@ -4,6 +4,7 @@
 
 #include <unicode/regex.h>
 
+#include "cache/pattern_cache.h"
 #include "engine/icu_text.h"
 #include "i18n/host_i18n.h"
 #include "time_limit/deadline.h"
@@ -16,10 +17,11 @@ bool replace_in(const icu::UnicodeString& input, const icu::UnicodeString& patte
                 const icu::UnicodeString& replacement, std::uint32_t flags,
                 replace_member replace, icu::UnicodeString& output) {
   UErrorCode status = U_ZERO_ERROR;
-  icu::RegexMatcher matcher(pattern, input, flags, status);
-  if (U_FAILURE(status)) return false;
-  watch_deadline(matcher);
-  output = replace_within_deadline(matcher, replace, replacement, status);
+  const shared_pattern compiled = compiled_pattern(pattern, flags, status);
+  if (compiled == nullptr) return false;
+  const std::unique_ptr<icu::RegexMatcher> matcher = new_matcher_of(*compiled, &input, status);
+  if (matcher == nullptr) return false;
+  output = replace_within_deadline(*matcher, replace, replacement, status);
   return U_SUCCESS(status);
 }
 

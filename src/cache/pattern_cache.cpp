@@ -1,0 +1,112 @@
+#include "cache/pattern_cache.h"
+
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+#include "time_limit/deadline.h"
+
+namespace scl::regex::detail {
+namespace {
+
+struct entry {
+  std::int32_t hash;
+  std::uint32_t flags;
+  icu::UnicodeString text;
+  shared_pattern compiled;
+};
+
+// One thread's patterns, most recently used first.
+class pattern_cache {
+ public:
+  shared_pattern find(const icu::UnicodeString& text, std::uint32_t flags) {
+    const std::int32_t hash = text.hashCode();
+    const auto hit = std::find_if(entries_.begin(), entries_.end(), [&](const entry& e) {
+      return e.hash == hash && e.flags == flags && e.text == text;
+    });
+    if (hit == entries_.end()) return nullptr;
+    std::rotate(entries_.begin(), hit, hit + 1);
+    return entries_.front().compiled;
+  }
+
+  bool contains(const icu::UnicodeString& text, std::uint32_t flags) const {
+    const std::int32_t hash = text.hashCode();
+    return std::any_of(entries_.begin(), entries_.end(), [&](const entry& e) {
+      return e.hash == hash && e.flags == flags && e.text == text;
+    });
+  }
+
+  void keep(const icu::UnicodeString& text, std::uint32_t flags, shared_pattern compiled) {
+    const auto units = static_cast<std::size_t>(text.length());
+    if (!enabled || units > kCachedUnits) return;
+    while (!entries_.empty() &&
+           (entries_.size() >= kCachedPatterns || units_ + units > kCachedUnits)) {
+      units_ -= static_cast<std::size_t>(entries_.back().text.length());
+      entries_.pop_back();
+    }
+    entries_.insert(entries_.begin(), entry{text.hashCode(), flags, text, std::move(compiled)});
+    units_ += units;
+  }
+
+  void clear() noexcept {
+    entries_.clear();
+    units_ = 0;
+  }
+
+  std::size_t size() const noexcept { return entries_.size(); }
+
+  bool enabled = true;
+
+ private:
+  std::vector<entry> entries_;
+  std::size_t units_ = 0;
+};
+
+pattern_cache& this_thread_cache() {
+  thread_local pattern_cache cache;
+  return cache;
+}
+
+}  // namespace
+
+shared_pattern compiled_pattern(const icu::UnicodeString& pattern, std::uint32_t flags,
+                                UErrorCode& status, UParseError* where) {
+  if (U_FAILURE(status)) return nullptr;
+  pattern_cache& cache = this_thread_cache();
+  if (cache.enabled) {
+    if (shared_pattern found = cache.find(pattern, flags)) return found;
+  }
+  UParseError ignored{};
+  shared_pattern compiled(icu::RegexPattern::compile(pattern, flags, where != nullptr ? *where : ignored, status));
+  if (U_FAILURE(status)) return nullptr;
+  cache.keep(pattern, flags, compiled);
+  return compiled;
+}
+
+std::unique_ptr<icu::RegexMatcher> new_matcher_of(const icu::RegexPattern& pattern,
+                                                  const icu::UnicodeString* input,
+                                                  UErrorCode& status) {
+  std::unique_ptr<icu::RegexMatcher> matcher(input != nullptr ? pattern.matcher(*input, status)
+                                                              : pattern.matcher(status));
+  if (U_FAILURE(status)) return nullptr;
+  if (matcher == nullptr) {
+    status = U_MEMORY_ALLOCATION_ERROR;
+    return nullptr;
+  }
+  watch_deadline(*matcher);
+  return matcher;
+}
+
+void set_pattern_cache_enabled(bool enabled) noexcept {
+  pattern_cache& cache = this_thread_cache();
+  cache.enabled = enabled;
+  if (!enabled) cache.clear();
+}
+
+std::size_t cached_pattern_count() noexcept { return this_thread_cache().size(); }
+
+bool pattern_is_cached(const icu::UnicodeString& pattern, std::uint32_t flags) noexcept {
+  return this_thread_cache().contains(pattern, flags);
+}
+
+}  // namespace scl::regex::detail
