@@ -1,0 +1,151 @@
+// The per-thread cache of compiled patterns: what it keeps, for how long, and
+// that a pattern in use outlives its eviction.
+#include <string>
+#include <thread>
+
+#include <gtest/gtest.h>
+#include <unicode/unistr.h>
+
+#include <scl/regex.h>
+
+#include "cache/pattern_cache.h"
+
+namespace {
+
+namespace re = scl::regex;
+using re::detail::cached_pattern_count;
+using re::detail::compiled_pattern;
+using re::detail::kCachedPatterns;
+using re::detail::pattern_is_cached;
+
+constexpr std::uint32_t kDotAll = UREGEX_DOTALL;
+
+icu::UnicodeString numbered(std::size_t i) {
+  return icu::UnicodeString(u"p") + icu::UnicodeString(static_cast<UChar32>(u'a' + i % 26)) +
+         icu::UnicodeString(static_cast<UChar32>(u'a' + i / 26));
+}
+
+// Each test starts from an empty cache on its own thread.
+template <class Test>
+void on_fresh_thread(Test test) {
+  std::thread(test).join();
+}
+
+TEST(PatternCache, KeepsTheMostRecentlyUsedAndEvictsTheLeast) {
+  on_fresh_thread([] {
+    UErrorCode status = U_ZERO_ERROR;
+    for (std::size_t i = 0; i < kCachedPatterns; ++i) compiled_pattern(numbered(i), kDotAll, status);
+    ASSERT_EQ(cached_pattern_count(), kCachedPatterns);
+    compiled_pattern(numbered(0), kDotAll, status);               // used again: now the most recent
+    compiled_pattern(numbered(kCachedPatterns), kDotAll, status);  // one more evicts the least recent
+    EXPECT_EQ(cached_pattern_count(), kCachedPatterns);
+    EXPECT_TRUE(pattern_is_cached(numbered(0), kDotAll));
+    EXPECT_FALSE(pattern_is_cached(numbered(1), kDotAll));
+    EXPECT_TRUE(pattern_is_cached(numbered(2), kDotAll));
+    EXPECT_TRUE(pattern_is_cached(numbered(kCachedPatterns), kDotAll));
+    EXPECT_TRUE(U_SUCCESS(status));
+  });
+}
+
+TEST(PatternCache, EqualKeysShareOnePattern) {
+  on_fresh_thread([] {
+    UErrorCode status = U_ZERO_ERROR;
+    const auto first = compiled_pattern(u"a+b", kDotAll, status);
+    const auto second = compiled_pattern(u"a+b", kDotAll, status);
+    EXPECT_EQ(first.get(), second.get());
+    EXPECT_EQ(cached_pattern_count(), 1u);
+  });
+}
+
+TEST(PatternCache, FailingPatternsAreNotKept) {
+  on_fresh_thread([] {
+    UErrorCode status = U_ZERO_ERROR;
+    EXPECT_EQ(compiled_pattern(u"(a", kDotAll, status), nullptr);
+    EXPECT_EQ(status, U_REGEX_MISMATCHED_PAREN);
+    EXPECT_EQ(cached_pattern_count(), 0u);
+    status = U_ZERO_ERROR;
+    EXPECT_EQ(compiled_pattern(u"(a", kDotAll, status), nullptr);  // fails again, not a stale success
+    EXPECT_EQ(status, U_REGEX_MISMATCHED_PAREN);
+    EXPECT_EQ(re::regex_replace(u"(a", u"(a", u"x", 0), u"(a");
+    EXPECT_EQ(cached_pattern_count(), 0u);
+  });
+}
+
+TEST(PatternCache, EqualPreparedPatternsFromDifferentRawPatternsShareAnEntry) {
+  on_fresh_thread([] {
+    EXPECT_EQ(re::regex_replace(u"caf\u00e9", u"caf\u00e9", u"x", 0x4), u"x");
+    EXPECT_EQ(re::regex_replace(u"caf\u00e9", u"cafe\u0301", u"y", 0x4), u"y");
+    EXPECT_EQ(re::regex_replace(u"caf\u00e9", u"cafe", u"z", 0x4), u"z");
+    EXPECT_EQ(cached_pattern_count(), 1u);
+    EXPECT_TRUE(pattern_is_cached(u"cafe", kDotAll));
+  });
+}
+
+TEST(PatternCache, DifferentFlagWordsDoNotShare) {
+  on_fresh_thread([] {
+    EXPECT_EQ(re::regex_replace(u"Aa", u"a", u"x", 0), u"Ax");
+    EXPECT_EQ(re::regex_replace(u"Aa", u"a", u"x", re::constants::case_insensitive), u"xx");
+    EXPECT_EQ(cached_pattern_count(), 2u);
+    // Options that only change preparation share the flag word.
+    EXPECT_EQ(re::regex_replace(u"Aa", u"a", u"x", re::constants::normalize_nfc), u"Ax");
+    EXPECT_EQ(cached_pattern_count(), 2u);
+  });
+}
+
+TEST(PatternCache, PatternTextIsTheKeyToItsFirstNul) {
+  on_fresh_thread([] {
+    // The one-shot replacement reads its pattern up to the first U+0000.
+    EXPECT_EQ(re::regex_replace(u"ab", std::u16string(u"a\0zzz", 5), u"x", 0), u"xb");
+    EXPECT_EQ(re::regex_replace(u"ab", u"a", u"y", 0), u"yb");
+    EXPECT_EQ(cached_pattern_count(), 1u);
+  });
+}
+
+TEST(PatternCache, CallbackRunningOtherOneShotsThatEvictItsPatternIsSafe) {
+  on_fresh_thread([] {
+    int calls = 0;
+    const std::u16string result = re::regex_replace(
+        u"a1 a2 a3", u"a\\d",
+        [&](const std::u16string& matched, bool&) {
+          ++calls;
+          // Evicts every entry, the caller's pattern among them.
+          for (std::size_t i = 0; i < 2 * kCachedPatterns; ++i) {
+            const icu::UnicodeString p = numbered(i);
+            (void)re::regex_replace(u"x", std::u16string(p.getBuffer(), static_cast<std::size_t>(p.length())),
+                                    u"y", 0);
+          }
+          return u"<" + matched + u">";
+        },
+        0);
+    EXPECT_EQ(result, u"<a1> <a2> <a3>");
+    EXPECT_EQ(calls, 3);
+    EXPECT_FALSE(pattern_is_cached(u"a\\d", kDotAll));
+  });
+}
+
+TEST(PatternCache, LongPatternsAreNotKeptAndTextIsBounded) {
+  on_fresh_thread([] {
+    UErrorCode status = U_ZERO_ERROR;
+    const icu::UnicodeString huge(static_cast<int32_t>(re::detail::kCachedUnits + 1), u'a', static_cast<int32_t>(re::detail::kCachedUnits + 1));
+    EXPECT_NE(compiled_pattern(huge, kDotAll, status), nullptr);
+    EXPECT_EQ(cached_pattern_count(), 0u);
+    const icu::UnicodeString big(static_cast<int32_t>(re::detail::kCachedUnits / 2), u'b', static_cast<int32_t>(re::detail::kCachedUnits / 2));
+    compiled_pattern(big, kDotAll, status);
+    compiled_pattern(big + u"c", kDotAll, status);  // together over the bound: the first goes
+    EXPECT_EQ(cached_pattern_count(), 1u);
+    EXPECT_TRUE(pattern_is_cached(big + u"c", kDotAll));
+  });
+}
+
+TEST(PatternCache, SwitchedOffCompilesEveryCall) {
+  on_fresh_thread([] {
+    re::detail::set_pattern_cache_enabled(false);
+    UErrorCode status = U_ZERO_ERROR;
+    const auto first = compiled_pattern(u"a+b", kDotAll, status);
+    const auto second = compiled_pattern(u"a+b", kDotAll, status);
+    EXPECT_NE(first.get(), second.get());
+    EXPECT_EQ(cached_pattern_count(), 0u);
+  });
+}
+
+}  // namespace
