@@ -10,7 +10,7 @@ import re
 import sys
 
 # Cases measured only against the library's own baseline.
-OWN_CASES = ("prepare_mapped/", "find_all/", "iterator_positions/")
+OWN_CASES = ("prepare_mapped/", "find_all/", "iterator_positions/", "oneshot_cached/", "handle_replace/")
 # Cases that report how late a search stopped after a 50 ms deadline.
 LATENCY_PREFIX = "limit/stop_latency/"
 
@@ -87,6 +87,7 @@ def main(path):
         (r"search/opt([24])/(.+)$", "search/opt0/{1}", "search 0x{0} vs search 0 /{1}"),
         (r"prepare_mapped/(.+)$", "prepare_normalisers/{0}", "prepare_text_mapped vs prepare_text /{0}"),
         (r"find_all/(.+)$", "iterator_positions/{0}", "regex_find_all vs regex_iterator positions /{0}"),
+        (r"oneshot_cached/(.+)$", "handle_replace/{0}", "one-shot regex_replace (cached) vs handle /{0}"),
     )
     own = []
     for case in [n.partition("/")[2] for n in runs if n.startswith("lib/")]:
