@@ -29,7 +29,7 @@ std::u16string replace_on_handle(const matcher_ptr& handle, const std::u16string
                                  Replace&& replace) {
   icu::RegexMatcher* matcher = detail::icu_matcher(handle);
   if (matcher == nullptr) return {};
-  detail::reset_onto(*matcher, subject.data(), static_cast<int32_t>(subject.size()));
+  detail::reset_onto(*matcher, detail::handle_slot(*matcher), subject.data(), static_cast<int32_t>(subject.size()));
   icu::UnicodeString output;
   const bool succeeded = replace(output, *matcher);
   return result_or_subject(succeeded, output, subject);

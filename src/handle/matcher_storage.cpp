@@ -52,14 +52,16 @@ void delete_matcher(icu::RegexMatcher* matcher) noexcept {
   icu::UMemory::operator delete(storage);
 }
 
-void reset_onto(icu::RegexMatcher& matcher, const char16_t* text, int32_t length) {
-  icu::UnicodeString& slot = subject_slot(matcher);
+icu::UnicodeString& handle_slot(icu::RegexMatcher& matcher) noexcept { return subject_slot(matcher); }
+
+void reset_onto(icu::RegexMatcher& matcher, icu::UnicodeString& slot, const char16_t* text,
+                int32_t length) {
   slot.setTo(text, length);
   matcher.reset(slot);
 }
 
-void reset_onto_until_nul(icu::RegexMatcher& matcher, const std::u16string& text) {
-  icu::UnicodeString& slot = subject_slot(matcher);
+void reset_onto_until_nul(icu::RegexMatcher& matcher, icu::UnicodeString& slot,
+                          const std::u16string& text) {
   const auto capacity = static_cast<int32_t>(text.size());
   char16_t* buffer = slot.getBuffer(capacity);
   if (buffer == nullptr) throw std::bad_alloc();

@@ -27,13 +27,19 @@ icu::RegexMatcher* new_matcher(const icu::UnicodeString& pattern, std::uint32_t 
 // Destroys a matcher made by new_matcher, its subject slot, and frees the storage.
 void delete_matcher(icu::RegexMatcher* matcher) noexcept;
 
-// Copies `length` units at `text` into the matcher's subject slot (reusing its
-// buffer) and resets the matcher onto it; the previous match is discarded.
-void reset_onto(icu::RegexMatcher& matcher, const char16_t* text, int32_t length);
+// Copies `length` units at `text` into `slot` (reusing its buffer) and resets
+// `matcher` onto it; the previous match is discarded.
+void reset_onto(icu::RegexMatcher& matcher, icu::UnicodeString& slot, const char16_t* text,
+                int32_t length);
 
 // The same with `text` up to its first U+0000, found while copying.
 // Throws std::bad_alloc if the slot cannot grow.
-void reset_onto_until_nul(icu::RegexMatcher& matcher, const std::u16string& text);
+void reset_onto_until_nul(icu::RegexMatcher& matcher, icu::UnicodeString& slot,
+                          const std::u16string& text);
+
+// The subject slot of a matcher made by new_matcher: the text it searches
+// stays there, beside it, after the search returns.
+icu::UnicodeString& handle_slot(icu::RegexMatcher& matcher) noexcept;
 
 // The ICU matcher of a handle, or null for an empty handle.
 inline icu::RegexMatcher* icu_matcher(const matcher_ptr& handle) noexcept {

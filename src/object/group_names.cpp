@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "i18n/host_i18n.h"
+#include "object/one_call_regex.h"
 #include "scl/regex/regex_class.h"
 #include "scl/regex/regex_iterator.h"
 
@@ -16,7 +17,7 @@ std::vector<std::string> regex::getGroupNamesIfAvailable() const {
   const std::u16string text = impl_->getPattern();
   if (text.empty()) return names;
 
-  regex finder(name_finder, 0, nullptr);
+  regex finder = detail::one_call_regex(name_finder, 0);
   for (regex_iterator it(text, finder); it->start != npos || it->end != npos;
        ++it) {
     if (it->groups.size() >= 2) names.push_back(detail::i18n::to_string(it->groups[1].str()));

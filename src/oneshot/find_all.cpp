@@ -1,4 +1,5 @@
 // Every match, located in the caller's subject.
+#include "object/one_call_regex.h"
 #include "oneshot/match_walk.h"
 #include "oneshot/source_locator.h"
 #include "scl/regex/source_results.h"
@@ -16,7 +17,7 @@ std::vector<source_match> regex_find_all(regex& re, const std::u16string& subjec
 
 std::vector<source_match> regex_find_all(const std::u16string& subject, const std::u16string& pattern,
                                          constants::syntax_option_type options) {
-  regex re(pattern, options, nullptr);
+  regex re = detail::one_call_regex(pattern, options);
   return regex_find_all(re, subject);
 }
 

@@ -1,4 +1,5 @@
 // The text before the first match and after the last.
+#include "object/one_call_regex.h"
 #include "oneshot/match_walk.h"
 #include "scl/regex/oneshot_search.h"
 
@@ -7,7 +8,7 @@ namespace scl::regex {
 std::pair<std::u16string, std::u16string> regex_search_prefix_suffix(
     const std::u16string& subject, const std::u16string& pattern,
     constants::syntax_option_type options) {
-  regex re(pattern, options, nullptr);
+  regex re = detail::one_call_regex(pattern, options);
   std::u16string prefix;
   std::size_t last_end = npos;
   bool first = true;

@@ -2,6 +2,7 @@
 #include <optional>
 #include <vector>
 
+#include "object/one_call_regex.h"
 #include "oneshot/match_walk.h"
 #include "oneshot/replacement_template.h"
 #include "oneshot/source_locator.h"
@@ -67,7 +68,7 @@ std::u16string regex_replace_preserving(const std::u16string& subject, const std
                                         constants::syntax_option_type options) {
   std::optional<regex> re;
   try {
-    re.emplace(pattern, options, nullptr);
+    re.emplace(detail::one_call_regex(pattern, options));
   } catch (const regex_exception&) {
     return subject;
   }

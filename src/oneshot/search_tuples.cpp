@@ -1,6 +1,7 @@
 // Collecting every match with its group texts.
 #include <utility>
 
+#include "object/one_call_regex.h"
 #include "oneshot/match_walk.h"
 #include "scl/regex/oneshot_search.h"
 #include "scl/regex/prepare.h"
@@ -23,7 +24,7 @@ void regex_search(regex& re, const std::u16string& subject, std::vector<match_tu
 
 void regex_search(const std::u16string& subject, const std::u16string& pattern,
                   std::vector<match_tuple>& out, constants::syntax_option_type options) {
-  regex re(pattern, options, nullptr);
+  regex re = detail::one_call_regex(pattern, options);
   regex_search(re, subject, out);
 }
 
