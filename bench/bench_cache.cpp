@@ -75,7 +75,34 @@ void icu_misses(benchmark::State& state) {
   }
 }
 
+// A 40-unit pattern with two named groups.
+const std::u16string kNamedPattern = u"(?<year>\\d{4})-(?<month>\\d\\d) on [a-z]+!";
+
+void lib_group_names(benchmark::State& state) {
+  const re::regex named(kNamedPattern, 0);
+  for (auto _ : state) benchmark::DoNotOptimize(named.getGroupNamesIfAvailable());
+}
+
+// The same scan with its finder compiled on every call, as it was before the cache.
+void lib_group_names_compiling(benchmark::State& state) {
+  const re::regex named(kNamedPattern, 0);
+  if (kNamedPattern.size() != 40) {
+    state.SkipWithError("the pattern is not 40 units");
+    return;
+  }
+  for (auto _ : state) {
+    std::vector<std::u16string> names;
+    re::regex finder(u"\\?<([a-zA-Z][a-zA-Z0-9]*)>", 0);
+    for (re::regex_iterator it(kNamedPattern, finder); it->start != re::npos; ++it) {
+      names.push_back(it->groups[1].str());
+    }
+    benchmark::DoNotOptimize(names.data());
+  }
+}
+
 [[maybe_unused]] const bool registered = [] {
+  benchmark::RegisterBenchmark("lib/group_names_cached/40", lib_group_names);
+  benchmark::RegisterBenchmark("lib/group_names_compiling/40", lib_group_names_compiling);
   benchmark::RegisterBenchmark("lib/oneshot_cached/record/64", lib_cached, record_subject(),
                                bench::record_pattern(), 0u);
   benchmark::RegisterBenchmark("lib/handle_replace/record/64", lib_handle, record_subject(),

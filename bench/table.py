@@ -10,7 +10,8 @@ import re
 import sys
 
 # Cases measured only against the library's own baseline.
-OWN_CASES = ("prepare_mapped/", "find_all/", "iterator_positions/", "oneshot_cached/", "handle_replace/")
+OWN_CASES = ("prepare_mapped/", "find_all/", "iterator_positions/", "oneshot_cached/", "handle_replace/",
+             "group_names_cached/", "group_names_compiling/")
 # Cases that report how late a search stopped after a 50 ms deadline.
 LATENCY_PREFIX = "limit/stop_latency/"
 
@@ -88,6 +89,7 @@ def main(path):
         (r"prepare_mapped/(.+)$", "prepare_normalisers/{0}", "prepare_text_mapped vs prepare_text /{0}"),
         (r"find_all/(.+)$", "iterator_positions/{0}", "regex_find_all vs regex_iterator positions /{0}"),
         (r"oneshot_cached/(.+)$", "handle_replace/{0}", "one-shot regex_replace (cached) vs handle /{0}"),
+        (r"group_names_cached/(.+)$", "group_names_compiling/{0}", "getGroupNamesIfAvailable vs finder compiled per call /{0}"),
     )
     own = []
     for case in [n.partition("/")[2] for n in runs if n.startswith("lib/")]:

@@ -8,6 +8,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -36,7 +37,18 @@ std::u16string subject_for(long step) {
 // nothing is optimised away.
 std::size_t operation(long step) {
   const std::u16string subject = subject_for(step);
-  switch (step % 13) {
+  switch (step % 15) {
+    case 13: {
+      // One-shot calls with ever new patterns: the per-thread cache evicts as it goes.
+      std::u16string pattern = u"x=(\\w)|";
+      for (long n = step; n > 0; n /= 10) pattern += static_cast<char16_t>(u'0' + n % 10);
+      return re::regex_replace(subject, pattern, u"[$1]", 0).size() +
+             re::regex_find_all(subject, pattern, 0x5).size();
+    }
+    case 14: {
+      const std::optional<re::pattern_error> error = re::check_pattern(step % 2 == 0 ? u"(a" : u"a+", 0);
+      return error ? error->description.size() : 0;
+    }
     case 0: {
       const re::matcher_ptr handle = re::createMatcher(u"(\\w+)=(\\w)", re::constants::case_insensitive);
       return re::regex_search(handle, subject, false) + re::get_group(handle, 2).size();
