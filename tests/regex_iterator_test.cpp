@@ -1,5 +1,7 @@
 // Walking matches with regex_iterator.
+#include <iterator>
 #include <string>
+#include <type_traits>
 #include <string_view>
 #include <vector>
 
@@ -111,6 +113,53 @@ TEST(RegexIterator, RegexWithoutEngineGivesEndRightAway) {
   regex re(u"a", 0);
   regex moved = std::move(re);
   EXPECT_TRUE(at_end(regex_iterator(std::u16string(u"aaa"), re)));
+}
+
+}  // namespace
+
+namespace {
+
+namespace rr = scl::regex;
+
+static_assert(std::is_same_v<std::iterator_traits<rr::regex_iterator>::iterator_category, std::input_iterator_tag>);
+static_assert(std::is_same_v<std::iterator_traits<rr::regex_iterator>::value_type, rr::regex_result>);
+static_assert(std::is_same_v<std::iterator_traits<rr::regex_iterator>::reference, const rr::regex_result&>);
+
+TEST(RegexRange, RangeForWalksTheSameMatchesAsTheIterator) {
+  rr::regex digits(u"\\d+", 0);
+  std::vector<std::u16string> walked;
+  for (const rr::regex_result& m : rr::regex_range(u"a1b22c333", digits)) walked.push_back(m.str());
+  EXPECT_EQ(walked, (std::vector<std::u16string>{u"1", u"22", u"333"}));
+  EXPECT_EQ(digits.match().start, rr::npos);  // the walk is over, as after an iterator's
+}
+
+TEST(RegexRange, EmptyWalkAndPreparedSubject) {
+  rr::regex word(u"cafe", rr::constants::ignore_diacritics);
+  int count = 0;
+  for (const rr::regex_result& m : rr::regex_range(u"un caf\u00e9", word)) {
+    EXPECT_EQ(m.start, 3u);  // positions of the prepared subject
+    ++count;
+  }
+  EXPECT_EQ(count, 1);
+  for (const rr::regex_result& m : rr::regex_range(u"nothing", word)) ADD_FAILURE() << m.start;
+}
+
+TEST(RegexRange, SentinelAndIteratorComparisons) {
+  rr::regex digits(u"\\d", 0);
+  rr::regex_iterator it(u"1a2", digits);
+  EXPECT_TRUE(it != rr::regex_sentinel{});
+  EXPECT_FALSE(rr::regex_sentinel{} == it);
+  const rr::regex_iterator same = it;
+  EXPECT_TRUE(it == same);
+  ++it;
+  EXPECT_TRUE(it != same);  // another match of the same regex
+  ++it;
+  EXPECT_TRUE(it == rr::regex_sentinel{});
+  EXPECT_TRUE(it.at_end());
+  rr::regex other(u"x", 0);
+  const rr::regex_iterator end_of_sequence(std::u16string_view(u"ignored"), other);
+  EXPECT_TRUE(it == end_of_sequence);  // every end equals every end
+  EXPECT_FALSE(same == end_of_sequence);
 }
 
 }  // namespace

@@ -38,7 +38,7 @@ struct pattern_error {
 // offset; the next two show the pattern (around the offset, if it is long,
 // with control characters escaped) and a caret under the offset. Throws only
 // std::bad_alloc.
-SCL_REGEX_API std::optional<pattern_error> check_pattern(const std::u16string& pattern,
+[[nodiscard]] SCL_REGEX_API std::optional<pattern_error> check_pattern(const std::u16string& pattern,
                                                          constants::syntax_option_type options);
 
 }  // namespace scl::regex

@@ -1,4 +1,11 @@
 // The library's one exception type.
+//
+//   try {
+//     scl::regex::createMatcher(u"(a", 0);
+//   } catch (const scl::regex::regex_exception& e) {
+//     e.what();                  // "Incorrectly nested parentheses in regexp pattern."
+//     e.getErrorCodeMnemonic();  // "U_REGEX_MISMATCHED_PAREN"
+//   }
 #ifndef SCL_REGEX_EXCEPTION_H
 #define SCL_REGEX_EXCEPTION_H
 
@@ -35,7 +42,7 @@ class SCL_REGEX_API regex_exception : public std::exception {
   // Returns ICU's symbolic name for the code (u_errorName of its low 32 bits),
   // e.g. "U_REGEX_MISMATCHED_PAREN", or "unknown error mnemonic" if ICU has
   // none. Throws only std::bad_alloc.
-  std::string getErrorCodeMnemonic() const;
+  [[nodiscard]] std::string getErrorCodeMnemonic() const;
 
  private:
   std::int64_t code_;

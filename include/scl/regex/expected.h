@@ -1,4 +1,11 @@
 // A value or the regex_exception that took its place.
+//
+//   auto handle = scl::regex::createExpectedMatcher(u"a{2,1}", 0);
+//   if (handle.has_error()) {
+//     handle.error().what();  // "In {min,max}, max is less than min."
+//   } else {
+//     use(handle.value());
+//   }
 #ifndef SCL_REGEX_EXPECTED_H
 #define SCL_REGEX_EXPECTED_H
 
@@ -23,16 +30,16 @@ class expected_result {
   expected_result(const regex_exception& error) : storage_(std::in_place_index<1>, error) {}
 
   // Returns true if this holds the error, false if it holds the value.
-  bool has_error() const noexcept { return storage_.index() == 1; }
+  [[nodiscard]] bool has_error() const noexcept { return storage_.index() == 1; }
 
   // Returns the value.
   T& value() & { return std::get<0>(storage_); }
-  const T& value() const& { return std::get<0>(storage_); }
+  [[nodiscard]] const T& value() const& { return std::get<0>(storage_); }
   T&& value() && { return std::get<0>(std::move(storage_)); }
 
   // Returns the error.
   regex_exception& error() & { return std::get<1>(storage_); }
-  const regex_exception& error() const& { return std::get<1>(storage_); }
+  [[nodiscard]] const regex_exception& error() const& { return std::get<1>(storage_); }
 
  private:
   std::variant<T, regex_exception> storage_;

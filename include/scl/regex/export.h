@@ -1,4 +1,6 @@
 // Symbol visibility for the scl_regex shared library.
+//
+//   SCL_REGEX_API std::u16string regex_escape(const std::u16string& text);  // exported
 #ifndef SCL_REGEX_EXPORT_H
 #define SCL_REGEX_EXPORT_H
 

@@ -1,4 +1,9 @@
 // The matcher handle: one compiled pattern with its ICU matching state.
+//
+//   namespace re = scl::regex;
+//   re::matcher_ptr handle = re::createMatcher(u"caf\u00e9", re::constants::ignore_diacritics);
+//   handle.get_deleter().options;                  // 0x4: subjects are prepared the same way
+//   re::regex_search(handle, u"un cafe", false);   // true
 #ifndef SCL_REGEX_MATCHER_H
 #define SCL_REGEX_MATCHER_H
 
@@ -41,7 +46,7 @@ SCL_REGEX_API matcher_ptr createMatcher(const std::u16string& pattern,
 
 // Same as createMatcher, but returns ICU's rejection of the pattern inside the
 // result instead of throwing it. Throws only std::bad_alloc.
-SCL_REGEX_API expected_result<matcher_ptr> createExpectedMatcher(
+[[nodiscard]] SCL_REGEX_API expected_result<matcher_ptr> createExpectedMatcher(
     const std::u16string& pattern, constants::syntax_option_type options);
 
 }  // namespace scl::regex

@@ -1,5 +1,14 @@
 // Replacement with a matcher handle, with fixed text or with callbacks.
 //
+//   namespace re = scl::regex;
+//   re::matcher_ptr handle = re::createMatcher(u"(\\w+)@(\\w+)", 0);
+//   re::regex_replace(handle, u"ann@home bob@work", u"$2:$1");  // u"home:ann work:bob"
+//   re::regex_replace(handle, u"ann@home bob@work",
+//                     [](const std::u16string& matched, bool& go_on) {
+//                       go_on = false;                            // stop after this match
+//                       return u"<" + matched + u">";
+//                     });                                          // u"<ann@home>"
+//
 // Replacement text, fixed or returned by a callback, is ICU replacement
 // syntax: "$1" and "${name}" insert groups, a backslash quotes the next
 // character. It is never escaped by the library (see regex_escape).
@@ -32,13 +41,13 @@ enum ECallbackTermination : std::int32_t {
 // Returns `subject` with its first match replaced by `replacement`.
 // Returns "" for an empty handle; `subject` unchanged on ICU failure (for
 // example "$x" or a reference to a missing group in `replacement`).
-SCL_REGEX_API std::u16string regex_replace_first(const matcher_ptr& handle,
+[[nodiscard]] SCL_REGEX_API std::u16string regex_replace_first(const matcher_ptr& handle,
                                                  const std::u16string& subject,
                                                  const std::u16string& replacement);
 
 // Returns `subject` with every match replaced by `replacement`.
 // Returns "" for an empty handle; `subject` unchanged on ICU failure.
-SCL_REGEX_API std::u16string regex_replace(const matcher_ptr& handle,
+[[nodiscard]] SCL_REGEX_API std::u16string regex_replace(const matcher_ptr& handle,
                                            const std::u16string& subject,
                                            const std::u16string& replacement);
 

@@ -1,4 +1,11 @@
 // Search and capture-group access on a matcher handle.
+//
+//   namespace re = scl::regex;
+//   re::matcher_ptr handle = re::createMatcher(u"(?<year>\\d{4})-(\\d\\d)", 0);
+//   re::regex_search(handle, u"due 2026-11", false);  // true: a match anywhere
+//   re::get_group(handle, 1);                         // u"2026"
+//   re::get_group_count(handle);                      // 3: two groups and the whole match
+//   re::regex_search(handle, u"due 2026-11", true);   // false: not the whole subject
 #ifndef SCL_REGEX_MATCHER_SEARCH_H
 #define SCL_REGEX_MATCHER_SEARCH_H
 
@@ -23,18 +30,18 @@ SCL_REGEX_API bool regex_search(const matcher_ptr& handle, const std::u16string&
 // as above. Both are NUL-terminated; note the order: subject first.
 // Returns false if either pointer is null (nothing is compiled then).
 // Throws regex_exception if ICU rejects the pattern.
-SCL_REGEX_API bool regex_search(const char16_t* subject, const char16_t* pattern, bool whole,
+[[nodiscard]] SCL_REGEX_API bool regex_search(const char16_t* subject, const char16_t* pattern, bool whole,
                                 constants::syntax_option_type options);
 
 // Returns the text of capture group `group` of the handle's current match
 // (a negative number means group 0, the whole match), up to its first U+0000.
 // Returns an empty string for an empty handle, when there is no current match,
 // for a number above the group count and for a group that took no part.
-SCL_REGEX_API std::u16string get_group(const matcher_ptr& handle, int group);
+[[nodiscard]] SCL_REGEX_API std::u16string get_group(const matcher_ptr& handle, int group);
 
 // Returns the number of capture groups of the handle's pattern plus one (for
 // group 0, the whole match), or 0 for an empty handle.
-SCL_REGEX_API int get_group_count(const matcher_ptr& handle);
+[[nodiscard]] SCL_REGEX_API int get_group_count(const matcher_ptr& handle);
 
 }  // namespace scl::regex
 

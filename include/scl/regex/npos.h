@@ -1,4 +1,7 @@
 // The library's "no position".
+//
+//   scl::regex::regex_result r = re.match();
+//   if (r.start == scl::regex::npos) { /* no (more) matches */ }
 #ifndef SCL_REGEX_NPOS_H
 #define SCL_REGEX_NPOS_H
 

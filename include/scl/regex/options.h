@@ -1,4 +1,9 @@
 // Option bits for compiling patterns and preparing text, and match flags.
+//
+//   namespace re = scl::regex;
+//   const re::constants::syntax_option_type options =
+//       re::constants::case_insensitive | re::constants::ignore_diacritics;  // 0x5
+//   re::createMatcher(u"CAFE", options);  // finds "caf\u00e9" and "Cafe"
 #ifndef SCL_REGEX_OPTIONS_H
 #define SCL_REGEX_OPTIONS_H
 

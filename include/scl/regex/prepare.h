@@ -1,4 +1,9 @@
 // The text preparation that patterns and subjects go through before ICU sees them.
+//
+//   namespace re = scl::regex;
+//   re::prepare_text(u"cafe\u0301", re::constants::normalize_nfc);      // u"caf\u00e9"
+//   re::prepare_text(u"caf\u00e9", re::constants::ignore_diacritics);   // u"cafe"
+//   re::strip_diacritics(u"cr\u00e8me br\u00fbl\u00e9e");             // u"creme brulee"
 #ifndef SCL_REGEX_PREPARE_H
 #define SCL_REGEX_PREPARE_H
 
@@ -17,7 +22,7 @@ namespace scl::regex {
 // With `normalize_nfc` alone, or no preparation bit, embedded U+0000 units
 // are kept; removing diacritics ends the text at its first U+0000.
 // Throws only std::bad_alloc.
-SCL_REGEX_API std::u16string prepare_text(const std::u16string& text,
+[[nodiscard]] SCL_REGEX_API std::u16string prepare_text(const std::u16string& text,
                                           constants::syntax_option_type options);
 
 // Returns `text`, up to its first U+0000, with every non-spacing mark (general
@@ -28,7 +33,7 @@ SCL_REGEX_API std::u16string prepare_text(const std::u16string& text,
 // character and the mark right after them stays (so preparing such a result
 // again can change it). If ICU cannot build the transformation, returns `text`
 // unchanged (whole). Throws only std::bad_alloc.
-SCL_REGEX_API std::u16string strip_diacritics(const std::u16string& text);
+[[nodiscard]] SCL_REGEX_API std::u16string strip_diacritics(const std::u16string& text);
 
 }  // namespace scl::regex
 

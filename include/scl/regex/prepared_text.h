@@ -52,11 +52,11 @@ class SCL_REGEX_API prepared_text {
   prepared_text();
 
   // Exactly prepare_text(source, options).
-  const std::u16string& text() const noexcept;
+  [[nodiscard]] const std::u16string& text() const noexcept;
 
   // How many units of the source preparation read: with ignore_diacritics,
   // the source up to its first U+0000; otherwise the whole source.
-  std::size_t source_size() const noexcept;
+  [[nodiscard]] std::size_t source_size() const noexcept;
 
   // Returns the range [first, second) of the source that prepared units
   // [start, end) came from: from the start of the piece of unit `start` to
@@ -83,7 +83,7 @@ class SCL_REGEX_API prepared_text {
 
 // Returns prepare_text(text, options) with its map back to `text`, computed
 // in the same single pass. Throws only std::bad_alloc.
-SCL_REGEX_API prepared_text prepare_text_mapped(const std::u16string& text,
+[[nodiscard]] SCL_REGEX_API prepared_text prepare_text_mapped(const std::u16string& text,
                                                 constants::syntax_option_type options);
 
 }  // namespace scl::regex

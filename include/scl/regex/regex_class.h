@@ -1,4 +1,13 @@
 // scl::regex::regex: a compiled pattern bound to an engine, walked match by match.
+//
+//   namespace re = scl::regex;
+//   re::regex words(u"(?<w>\\w+)", 0);
+//   words.reset(u"two words");
+//   for (re::regex_result m = words.match(); m.start != re::npos; m = words.match()) {
+//     m.str();          // u"two", then u"words"
+//     m["w"].start;     // 0, then 4
+//   }
+//   words.getGroupNamesIfAvailable();  // after a reset: the names found in the subject
 #ifndef SCL_REGEX_REGEX_CLASS_H
 #define SCL_REGEX_REGEX_CLASS_H
 
@@ -65,7 +74,7 @@ class SCL_REGEX_API regex {
   // subject: a start past its end gives an empty text, a negative one counts
   // as 0 (so start npos with length 0 is empty), a length reaching past
   // the end stops there.
-  std::u16string str(std::size_t start, std::size_t length) const;
+  [[nodiscard]] std::u16string str(std::size_t start, std::size_t length) const;
 
   // Returns the next match, or a no-match result (start == npos) when
   // there is none, the search failed, or there is no engine. Never throws
@@ -78,7 +87,7 @@ class SCL_REGEX_API regex {
 
   // Returns the number of capture groups (not counting the whole match), or 0
   // without an engine.
-  int getGroupsCount() const;
+  [[nodiscard]] int getGroupsCount() const;
 
   // Returns the names of named groups ("(?<name>...)"), as UTF-8, in order of
   // appearance, duplicates kept; empty without an engine. The names are found
@@ -86,10 +95,10 @@ class SCL_REGEX_API regex {
   // reset and the last raw subject after it: after a reset this lists the
   // "?<name>" texts found in the subject. The scan is textual: a name is an
   // ASCII letter followed by ASCII letters and digits between "?<" and ">".
-  std::vector<std::string> getGroupNamesIfAvailable() const;
+  [[nodiscard]] std::vector<std::string> getGroupNamesIfAvailable() const;
 
   // Returns the options given to the last init (or constructor).
-  constants::syntax_option_type options() const noexcept { return options_; }
+  [[nodiscard]] constants::syntax_option_type options() const noexcept { return options_; }
 
  private:
   std::unique_ptr<regex_impl_abstract> impl_;

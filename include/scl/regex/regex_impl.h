@@ -1,4 +1,7 @@
 // The engine interface behind scl::regex::regex.
+//
+//   class my_engine : public scl::regex::regex_impl_abstract { /* every operation */ };
+//   scl::regex::regex re(u"pattern", 0, std::make_unique<my_engine>());
 #ifndef SCL_REGEX_REGEX_IMPL_H
 #define SCL_REGEX_REGEX_IMPL_H
 

@@ -1,4 +1,12 @@
 // Match results handed out by a regex and its engine.
+//
+//   namespace re = scl::regex;
+//   re::regex date(u"(?<year>\\d{4})-(\\d\\d)?", 0);
+//   date.reset(u"in 2026-");
+//   re::regex_result m = date.match();
+//   m.start;             // 3
+//   m["year"].str();     // u"2026"
+//   m.groups[2].start;   // npos: the group took no part
 #ifndef SCL_REGEX_RESULT_H
 #define SCL_REGEX_RESULT_H
 
@@ -24,7 +32,7 @@ struct SCL_REGEX_API group_result {
 
   // Returns the group's text from the engine's current subject; empty for a
   // group that took no part or when there is no engine.
-  std::u16string str() const;
+  [[nodiscard]] std::u16string str() const;
 };
 
 // One match: where it starts and ends in the prepared subject, and its groups
@@ -45,7 +53,7 @@ class SCL_REGEX_API regex_result {
   ~regex_result();
 
   // Returns the matched text; empty for a no-match result or without an engine.
-  std::u16string str() const;
+  [[nodiscard]] std::u16string str() const;
 
   // Returns the group called `name`, or numbered `name` ("0" is the whole
   // match, "2x" reads as 2). Throws std::out_of_range, whose what() is `name`,

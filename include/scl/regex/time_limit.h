@@ -47,7 +47,7 @@ class SCL_REGEX_API match_time_limit {
 
   // Returns true once a search on this thread was stopped by time while this
   // object lived (by its own deadline or an enclosing one's).
-  bool exceeded() const noexcept { return exceeded_; }
+  [[nodiscard]] bool exceeded() const noexcept { return exceeded_; }
 
  private:
   friend struct detail::time_limit_chain;
