@@ -26,18 +26,21 @@ std::u16string number(int n) {
   return std::u16string(digits.begin(), digits.end());
 }
 const std::u16string kEmailPattern = u"[a-z0-9._%+-]+@[a-z0-9.-]+\\.[a-z]{2,}";
-const std::u16string kEmailSubject = u"Write to Jean.Dupont@Example.org or to the desk, before noon.!";
+const std::u16string kEmailSubject =
+    u"Write to Jean.Dupont@Example.org or to the desk, before noon.!";
 
-void lib_cached(benchmark::State& state, const std::u16string& subject, const std::u16string& pattern,
-                std::uint32_t options) {
-  for (auto _ : state) benchmark::DoNotOptimize(re::regex_replace(subject, pattern, u"<$0>", options));
+void lib_cached(benchmark::State& state, const std::u16string& subject,
+                const std::u16string& pattern, std::uint32_t options) {
+  for (auto _ : state)
+    benchmark::DoNotOptimize(re::regex_replace(subject, pattern, u"<$0>", options));
   state.SetItemsProcessed(state.iterations());
 }
 
-void lib_handle(benchmark::State& state, const std::u16string& subject, const std::u16string& pattern,
-                std::uint32_t options) {
+void lib_handle(benchmark::State& state, const std::u16string& subject,
+                const std::u16string& pattern, std::uint32_t options) {
   const re::matcher_ptr handle = re::createMatcher(pattern, options);
-  if (re::regex_replace(handle, subject, u"<$0>") != re::regex_replace(subject, pattern, u"<$0>", options)) {
+  if (re::regex_replace(handle, subject, u"<$0>") !=
+      re::regex_replace(subject, pattern, u"<$0>", options)) {
     state.SkipWithError("the handle and the one-shot call disagree");
     return;
   }
@@ -48,7 +51,8 @@ void lib_handle(benchmark::State& state, const std::u16string& subject, const st
 const std::vector<std::u16string>& distinct_patterns() {
   static const std::vector<std::u16string> patterns = [] {
     std::vector<std::u16string> list;
-    for (int i = 0; i < 4096; ++i) list.push_back(bench::record_pattern() + u"|q{" + number(i) + u"}");
+    for (int i = 0; i < 4096; ++i)
+      list.push_back(bench::record_pattern() + u"|q{" + number(i) + u"}");
     return list;
   }();
   return patterns;
@@ -69,7 +73,8 @@ void icu_misses(benchmark::State& state) {
   std::size_t next = 0;
   for (auto _ : state) {
     UErrorCode status = U_ZERO_ERROR;
-    icu::RegexMatcher matcher(bench::to_icu(distinct_patterns()[next]), subject, UREGEX_DOTALL, status);
+    icu::RegexMatcher matcher(bench::to_icu(distinct_patterns()[next]), subject, UREGEX_DOTALL,
+                              status);
     benchmark::DoNotOptimize(matcher.replaceAll(replacement, status));
     next = (next + 1) % distinct_patterns().size();
   }
@@ -107,13 +112,15 @@ void lib_group_names_compiling(benchmark::State& state) {
                                bench::record_pattern(), 0u);
   benchmark::RegisterBenchmark("lib/handle_replace/record/64", lib_handle, record_subject(),
                                bench::record_pattern(), 0u);
-  benchmark::RegisterBenchmark("lib/oneshot_cached/email_ci/64", lib_cached, kEmailSubject, kEmailPattern, 1u);
-  benchmark::RegisterBenchmark("lib/handle_replace/email_ci/64", lib_handle, kEmailSubject, kEmailPattern, 1u);
+  benchmark::RegisterBenchmark("lib/oneshot_cached/email_ci/64", lib_cached, kEmailSubject,
+                               kEmailPattern, 1u);
+  benchmark::RegisterBenchmark("lib/handle_replace/email_ci/64", lib_handle, kEmailSubject,
+                               kEmailPattern, 1u);
   benchmark::RegisterBenchmark("lib/replace_misses/opt0/accented/1K", lib_misses);
   benchmark::RegisterBenchmark("icu/replace_misses/opt0/accented/1K", icu_misses);
   for (int threads : {1, 2}) {
-    benchmark::RegisterBenchmark("lib/oneshot_cached_threads/record/64", lib_cached, record_subject(),
-                                 bench::record_pattern(), 0u)
+    benchmark::RegisterBenchmark("lib/oneshot_cached_threads/record/64", lib_cached,
+                                 record_subject(), bench::record_pattern(), 0u)
         ->Threads(threads)
         ->UseRealTime();
   }

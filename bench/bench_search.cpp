@@ -59,7 +59,8 @@ void icu_search(benchmark::State& state, bench::kind k, std::size_t units, std::
 }
 
 [[maybe_unused]] const bool registered = [] {
-  for (const bench::kind k : {bench::kind::ascii, bench::kind::accented, bench::kind::accented_nfc}) {
+  for (const bench::kind k :
+       {bench::kind::ascii, bench::kind::accented, bench::kind::accented_nfc}) {
     for (const std::size_t units : {std::size_t{32}, std::size_t{1} << 10, std::size_t{1} << 20}) {
       for (const std::uint32_t options : {0u, 0x1u, 0x2u, 0x4u, 0x6u}) {
         const std::string name = "search/opt" + std::to_string(options) + "/" +

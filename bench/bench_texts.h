@@ -73,27 +73,64 @@ inline const std::vector<std::u16string>& words(kind k) {
       u"the",   u"quick", u"brown", u"fox",  u"jumps",  u"over",  u"lazy",  u"dog",    u"lorem",
       u"ipsum", u"dolor", u"sit",   u"amet", u"market", u"river", u"stone", u"window", u"paper"};
   // French and Czech, mostly precomposed; the last three are decomposed (e + U+0301).
-  static const std::vector<std::u16string> accented = {
-      u"caf\u00e9", u"cr\u00e8me", u"gar\u00e7on", u"d\u00e9j\u00e0", u"\u00e9l\u00e8ve",
-      u"No\u00ebl", u"fa\u00e7ade", u"o\u00f9", u"k\u016f\u0148", u"p\u0159\u00edli\u0161",
-      u"\u017elu\u0165ou\u010dk\u00fd", u"\u00fap\u011bl", u"\u010f\u00e1belsk\u00e9",
-      u"\u00f3dy", u"mesto", u"le", u"et", u"cafe\u0301", u"e\u0301te\u0301",
-      u"re\u0301sume\u0301"};
+  static const std::vector<std::u16string> accented = {u"caf\u00e9",
+                                                       u"cr\u00e8me",
+                                                       u"gar\u00e7on",
+                                                       u"d\u00e9j\u00e0",
+                                                       u"\u00e9l\u00e8ve",
+                                                       u"No\u00ebl",
+                                                       u"fa\u00e7ade",
+                                                       u"o\u00f9",
+                                                       u"k\u016f\u0148",
+                                                       u"p\u0159\u00edli\u0161",
+                                                       u"\u017elu\u0165ou\u010dk\u00fd",
+                                                       u"\u00fap\u011bl",
+                                                       u"\u010f\u00e1belsk\u00e9",
+                                                       u"\u00f3dy",
+                                                       u"mesto",
+                                                       u"le",
+                                                       u"et",
+                                                       u"cafe\u0301",
+                                                       u"e\u0301te\u0301",
+                                                       u"re\u0301sume\u0301"};
   static const std::vector<std::u16string> accented_nfc = [] {
     std::vector<std::u16string> list(accented.begin(), accented.end() - 3);
-    for (const char16_t* word : {u"caf\u00e9", u"\u00e9t\u00e9", u"r\u00e9sum\u00e9"}) list.emplace_back(word);
+    for (const char16_t* word : {u"caf\u00e9", u"\u00e9t\u00e9", u"r\u00e9sum\u00e9"})
+      list.emplace_back(word);
     return list;
   }();
-  static const std::vector<std::u16string> french = {
-      u"le", u"caf\u00e9", u"cr\u00e8me", u"br\u00fbl\u00e9e", u"\u00e0", u"la", u"gar\u00e7on",
-      u"d\u00e9j\u00e0", u"\u00e9l\u00e8ve", u"no\u00ebl", u"fa\u00e7ade", u"o\u00f9", u"p\u00e8re",
-      u"na\u00efve", u"for\u00eat", u"h\u00f4tel", u"o\u00f9", u"et", u"des", u"\u00e9t\u00e9",
-      u"ma\u00efs", u"c\u0153ur", u"fl\u00e2ner", u"th\u00e9\u00e2tre", u"une", u"qui"};
+  static const std::vector<std::u16string> french = {u"le",
+                                                     u"caf\u00e9",
+                                                     u"cr\u00e8me",
+                                                     u"br\u00fbl\u00e9e",
+                                                     u"\u00e0",
+                                                     u"la",
+                                                     u"gar\u00e7on",
+                                                     u"d\u00e9j\u00e0",
+                                                     u"\u00e9l\u00e8ve",
+                                                     u"no\u00ebl",
+                                                     u"fa\u00e7ade",
+                                                     u"o\u00f9",
+                                                     u"p\u00e8re",
+                                                     u"na\u00efve",
+                                                     u"for\u00eat",
+                                                     u"h\u00f4tel",
+                                                     u"o\u00f9",
+                                                     u"et",
+                                                     u"des",
+                                                     u"\u00e9t\u00e9",
+                                                     u"ma\u00efs",
+                                                     u"c\u0153ur",
+                                                     u"fl\u00e2ner",
+                                                     u"th\u00e9\u00e2tre",
+                                                     u"une",
+                                                     u"qui"};
   static const std::vector<std::u16string> vietnamese = {
-      u"Ti\u1EBFng", u"Vi\u1EC7t", u"l\u00e0", u"ng\u00f4n", u"ng\u1EEF", u"c\u1EE7a",
-      u"ng\u01B0\u1EDDi", u"\u0111\u01B0\u1EE3c", u"nh\u1EA5t", u"n\u01B0\u1EDBc",
-      u"qu\u1ED1c", u"gia", u"h\u1ECDc", u"s\u1EEDa", u"\u0111\u1EB9p", u"kh\u00f4ng",
-      u"nh\u1EEFng", u"tr\u01B0\u1EDDng", u"v\u00e0", u"m\u1ED9t"};
+      u"Ti\u1EBFng", u"Vi\u1EC7t",        u"l\u00e0",         u"ng\u00f4n",
+      u"ng\u1EEF",   u"c\u1EE7a",         u"ng\u01B0\u1EDDi", u"\u0111\u01B0\u1EE3c",
+      u"nh\u1EA5t",  u"n\u01B0\u1EDBc",   u"qu\u1ED1c",       u"gia",
+      u"h\u1ECDc",   u"s\u1EEDa",         u"\u0111\u1EB9p",   u"kh\u00f4ng",
+      u"nh\u1EEFng", u"tr\u01B0\u1EDDng", u"v\u00e0",         u"m\u1ED9t"};
   switch (k) {
     case kind::ascii:
       return ascii;

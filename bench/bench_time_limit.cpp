@@ -15,7 +15,8 @@ namespace re = scl::regex;
 using clock_type = std::chrono::steady_clock;
 constexpr std::chrono::milliseconds kLimit(50);
 
-void stop_latency(benchmark::State& state, const std::u16string& pattern, const std::u16string& subject) {
+void stop_latency(benchmark::State& state, const std::u16string& pattern,
+                  const std::u16string& subject) {
   re::matcher_ptr handle = re::createMatcher(pattern, 0);
   double worst = 0;
   double total = 0;
@@ -24,7 +25,8 @@ void stop_latency(benchmark::State& state, const std::u16string& pattern, const 
     const clock_type::time_point start = clock_type::now();
     re::match_time_limit limit(kLimit);
     benchmark::DoNotOptimize(re::regex_search(handle, subject, false));
-    const double late = std::chrono::duration<double, std::milli>(clock_type::now() - (start + kLimit)).count();
+    const double late =
+        std::chrono::duration<double, std::milli>(clock_type::now() - (start + kLimit)).count();
     worst = std::max(worst, late);
     total += late;
     all_stopped = all_stopped && limit.exceeded();
@@ -40,16 +42,20 @@ void stop_latency(benchmark::State& state, const std::u16string& pattern, const 
     std::u16string pattern;
     std::u16string subject;
   } cases[] = {
-      {"(a?)+?b", u"(a?)+?b", u"aac"},           {"(?:a?)+?b", u"(?:a?)+?b", u"aac"},
-      {"(a?)*?b", u"(a?)*?b", u"aac"},           {"(a|)+?b", u"(a|)+?b", u"aac"},
-      {"(a*)+?b", u"(a*)+?b", u"aac"},           {"(a{0,2})*?b", u"(a{0,2})*?b", u"aac"},
+      {"(a?)+?b", u"(a?)+?b", u"aac"},
+      {"(?:a?)+?b", u"(?:a?)+?b", u"aac"},
+      {"(a?)*?b", u"(a?)*?b", u"aac"},
+      {"(a|)+?b", u"(a|)+?b", u"aac"},
+      {"(a*)+?b", u"(a*)+?b", u"aac"},
+      {"(a{0,2})*?b", u"(a{0,2})*?b", u"aac"},
       {"(x+x+)+y on 30 x", u"(x+x+)+y", std::u16string(30, u'x')},
   };
   for (const auto& c : cases) {
-    benchmark::RegisterBenchmark((std::string("limit/stop_latency/") + c.name).c_str(),
-                                 [pattern = c.pattern, subject = c.subject](benchmark::State& state) {
-                                   stop_latency(state, pattern, subject);
-                                 })
+    benchmark::RegisterBenchmark(
+        (std::string("limit/stop_latency/") + c.name).c_str(),
+        [pattern = c.pattern, subject = c.subject](benchmark::State& state) {
+          stop_latency(state, pattern, subject);
+        })
         ->Iterations(20)
         ->UseRealTime()
         ->Unit(benchmark::kMillisecond);

@@ -66,9 +66,9 @@ int main() {
   const re::matcher_ptr date = re::createMatcher(u"(\\d{4})-(\\d{2})-(\\d{2})", 0);
   const std::u16string text = u"released on 2026-11-21, patched 2026-12-02";
   if (re::regex_search(date, text, false)) {
-    std::printf("  %d groups; match \"%s\", year \"%s\", month \"%s\"\n",
-                re::get_group_count(date), utf8(re::get_group(date, 0)).c_str(),
-                utf8(re::get_group(date, 1)).c_str(), utf8(re::get_group(date, 2)).c_str());
+    std::printf("  %d groups; match \"%s\", year \"%s\", month \"%s\"\n", re::get_group_count(date),
+                utf8(re::get_group(date, 0)).c_str(), utf8(re::get_group(date, 1)).c_str(),
+                utf8(re::get_group(date, 2)).c_str());
   }
   std::printf("  whole-subject match of \"2026-11-21\": %s\n",
               re::regex_search(date, u"2026-11-21", true) ? "true" : "false");
@@ -81,8 +81,8 @@ int main() {
 
   const re::matcher_ptr digit = re::createMatcher(u"[0-9]", 0);
   const std::u16string digits = u"a1b2c3";
-  const auto stop_bool = re::regex_replace(
-      digit, digits, [](const std::u16string& matched, bool& go_on) {
+  const auto stop_bool =
+      re::regex_replace(digit, digits, [](const std::u16string& matched, bool& go_on) {
         go_on = false;  // stop after this match; the rest is dropped
         return u"<" + matched + u">";
       });
@@ -100,18 +100,17 @@ int main() {
   std::printf("    bool set to false:  %s\n", utf8(stop_bool).c_str());
   std::printf("    eStop:              %s\n", utf8(stop_keep).c_str());
   std::printf("    eStopAndTruncate:   %s\n", utf8(stop_drop).c_str());
-  const auto doubled = re::regex_replace(
-      digit, digits, [](const re::matcher_ptr& handle, bool&) {
-        return re::get_group(handle, 0) + re::get_group(handle, 0);  // reads the current match
-      });
+  const auto doubled = re::regex_replace(digit, digits, [](const re::matcher_ptr& handle, bool&) {
+    return re::get_group(handle, 0) + re::get_group(handle, 0);  // reads the current match
+  });
   std::printf("  callback reading the handle's groups: %s\n", utf8(doubled).c_str());
 
   std::puts("\nOne-shot replace and escape:");
   const std::u16string menu = u"Caf\u00e9 cr\u00e8me, CAF\u00c9 noir";
-  std::printf("  accent- and case-insensitive \"cafe\" -> \"tea\": %s\n",
-              utf8(re::regex_replace(menu, u"cafe", u"tea",
-                                     re::constants::case_insensitive | accents))
-                  .c_str());
+  std::printf(
+      "  accent- and case-insensitive \"cafe\" -> \"tea\": %s\n",
+      utf8(re::regex_replace(menu, u"cafe", u"tea", re::constants::case_insensitive | accents))
+          .c_str());
   std::printf("  first match only:                           %s\n",
               utf8(re::regex_replace_first(menu, u"cafe", u"tea",
                                            re::constants::case_insensitive | accents))
@@ -131,12 +130,10 @@ int main() {
               re::regex_search(u"Q: 11=2 yes", question.c_str(), false, 0) ? "true" : "false");
 
   std::puts("\nA regex object walked match by match:");
-  re::regex word(u"(?<word>\\w+) (?<number>\\d+)",
-                 re::constants::case_insensitive | accents);
+  re::regex word(u"(?<word>\\w+) (?<number>\\d+)", re::constants::case_insensitive | accents);
   const std::u16string tickets = u"Caf\u00e9 12, Cr\u00e8me 7, na\u00efve 345";
   word.reset(tickets);  // prepared like the pattern: accents removed
-  for (re::regex_result m = word.match(); m.start != re::npos;
-       m = word.match()) {
+  for (re::regex_result m = word.match(); m.start != re::npos; m = word.match()) {
     std::printf("  [%zu, %zu) \"%s\": word \"%s\", number \"%s\"\n", m.start, m.end,
                 utf8(m.str()).c_str(), utf8(m["word"].str()).c_str(),
                 utf8(m["number"].str()).c_str());
@@ -178,7 +175,8 @@ int main() {
   }
   std::printf("\n  caller's positions: ");
   for (const re::source_match& m : re::regex_find_all(dessert, u"creme", loose)) {
-    std::printf(" [%zu, %zu) \"%s\"", m.start, m.end, utf8(dessert.substr(m.start, m.end - m.start)).c_str());
+    std::printf(" [%zu, %zu) \"%s\"", m.start, m.end,
+                utf8(dessert.substr(m.start, m.end - m.start)).c_str());
   }
   std::printf("\n  regex_replace \"(cr)eme\" -> \"[$1]\":            %s\n",
               utf8(re::regex_replace(dessert, u"(cr)eme", u"[$1]", loose)).c_str());
@@ -203,10 +201,13 @@ int main() {
     const auto per_call = [](auto&& call) {
       const auto start = std::chrono::steady_clock::now();
       for (int i = 0; i < 2000; ++i) call(i);
-      return std::chrono::duration<double, std::micro>(std::chrono::steady_clock::now() - start).count() / 2000;
+      return std::chrono::duration<double, std::micro>(std::chrono::steady_clock::now() - start)
+                 .count() /
+             2000;
     };
     const double same = per_call([&](int) {
-      (void)re::regex_replace(u"mail jean@example.org now", email, u"<$0>", re::constants::case_insensitive);
+      (void)re::regex_replace(u"mail jean@example.org now", email, u"<$0>",
+                              re::constants::case_insensitive);
     });
     const double fresh = per_call([&](int i) {  // a new pattern every call: compiled every time
       const std::string number = std::to_string(i);
@@ -214,11 +215,14 @@ int main() {
                               email + u"|#" + std::u16string(number.begin(), number.end()), u"<$0>",
                               re::constants::case_insensitive);
     });
-    std::printf("  case-insensitive e-mail replace: %.1f us per call with the same pattern, %.1f us "
-                "when every call brings a new one\n", same, fresh);
+    std::printf(
+        "  case-insensitive e-mail replace: %.1f us per call with the same pattern, %.1f us "
+        "when every call brings a new one\n",
+        same, fresh);
   }
   if (const std::optional<re::pattern_error> bad = re::check_pattern(u"price: (\\d+ EUR", 0)) {
-    std::printf("  check_pattern says, at offset %zu:\n%s\n", bad->offset, bad->description.c_str());
+    std::printf("  check_pattern says, at offset %zu:\n%s\n", bad->offset,
+                bad->description.c_str());
   }
   return 0;
 }

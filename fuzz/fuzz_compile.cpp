@@ -77,11 +77,16 @@ std::string check_exception(const re::regex_exception& e, std::int64_t code) {
 // any ICU code, or any 64-bit value.
 std::int64_t pick_code(std::uint8_t kind, std::uint32_t bits) {
   switch (kind % 5) {
-    case 0: return -1000 - static_cast<std::int64_t>(bits % 2);
-    case 1: return U_REGEX_ERROR_START + static_cast<std::int64_t>(bits % 32);
-    case 2: return static_cast<std::int32_t>(bits);
-    case 3: return static_cast<std::int64_t>(bits) << 32 | U_REGEX_ERROR_START;
-    default: return static_cast<std::int64_t>(static_cast<std::int16_t>(bits));
+    case 0:
+      return -1000 - static_cast<std::int64_t>(bits % 2);
+    case 1:
+      return U_REGEX_ERROR_START + static_cast<std::int64_t>(bits % 32);
+    case 2:
+      return static_cast<std::int32_t>(bits);
+    case 3:
+      return static_cast<std::int64_t>(bits) << 32 | U_REGEX_ERROR_START;
+    default:
+      return static_cast<std::int64_t>(static_cast<std::int16_t>(bits));
   }
 }
 

@@ -31,7 +31,8 @@ namespace {
 // (a lone lead surrogate in the pattern can match the lead half of a pair)
 // moves back to the pair's lead.
 std::size_t code_point_boundary(const std::u16string& text, std::size_t at) {
-  if (at > 0 && at < text.size() && U16_IS_LEAD(text[at - 1]) && U16_IS_TRAIL(text[at])) return at - 1;
+  if (at > 0 && at < text.size() && U16_IS_LEAD(text[at - 1]) && U16_IS_TRAIL(text[at]))
+    return at - 1;
   return at;
 }
 
@@ -39,8 +40,10 @@ std::size_t code_point_boundary(const std::u16string& text, std::size_t at) {
 std::u16string expected_group0(const fuzz::icu_run& run, const std::u16string& prepared,
                                bool whole) {
   if (whole) return fuzz::cut(prepared);
-  const std::size_t start = code_point_boundary(prepared, static_cast<std::size_t>(run.spans.front().first));
-  const std::size_t end = code_point_boundary(prepared, static_cast<std::size_t>(run.spans.front().second));
+  const std::size_t start =
+      code_point_boundary(prepared, static_cast<std::size_t>(run.spans.front().first));
+  const std::size_t end =
+      code_point_boundary(prepared, static_cast<std::size_t>(run.spans.front().second));
   return fuzz::cut(prepared.substr(start, end - start));
 }
 

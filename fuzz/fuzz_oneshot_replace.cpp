@@ -124,10 +124,11 @@ void check_utf8(const std::string& subject, const std::string& pattern,
 
 void check_preserving(const std::u16string& subject, const std::u16string& pattern,
                       const std::u16string& replacement, std::uint32_t options) {
-  const std::u16string result = re::regex_replace_preserving(subject, pattern, replacement, options);
+  const std::u16string result =
+      re::regex_replace_preserving(subject, pattern, replacement, options);
   if (re::prepare_text(subject, options) != subject) return;
-  const auto expected =
-      icu_replace(subject, re::prepare_text(pattern, options), fuzz::cut(replacement), options, which::all);
+  const auto expected = icu_replace(subject, re::prepare_text(pattern, options),
+                                    fuzz::cut(replacement), options, which::all);
   FUZZ_CHECK(result == expected.value_or(subject));
 }
 
@@ -146,7 +147,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
                                   fuzz::cut(re::prepare_text(subject, options)));
   const auto run8 = fuzz::screen(from_utf8(pattern8), options, from_utf8(subject8));
   // The preserving replacement searches the whole subject with the whole pattern.
-  const auto whole = fuzz::screen(re::prepare_text(pattern, options), options, re::prepare_text(subject, options));
+  const auto whole =
+      fuzz::screen(re::prepare_text(pattern, options), options, re::prepare_text(subject, options));
   if (!run16 || !run8 || !whole) return fuzz::kReject;
 
   check_utf16(subject, pattern, replacement, options);

@@ -80,10 +80,14 @@ std::vector<std::string> names_in(const std::u16string& text) {
 // A position or length for str(): small, or one that does not fit 32 bits.
 std::size_t probe_value(unsigned kind, std::uint32_t bits, std::size_t subject_size) {
   switch (kind % 4) {
-    case 0: return bits % (subject_size + 2);
-    case 1: return (std::size_t{1} << 31) + bits % 4;
-    case 2: return (std::size_t{1} << 32) + bits % 4;
-    default: return npos - bits % 4;
+    case 0:
+      return bits % (subject_size + 2);
+    case 1:
+      return (std::size_t{1} << 31) + bits % 4;
+    case 2:
+      return (std::size_t{1} << 32) + bits % 4;
+    default:
+      return npos - bits % 4;
   }
 }
 
@@ -115,10 +119,14 @@ struct walk_input {
 
 re::regex make_regex(const walk_input& w) {
   switch (w.pattern_form) {
-    case 1: return re::regex(w.pattern.begin(), w.pattern.end(), w.options);
-    case 2: return re::regex(std::u16string_view(w.pattern), w.options);
-    case 3: return re::regex(w.pattern.c_str(), w.options);
-    default: return re::regex(w.pattern, w.options);
+    case 1:
+      return re::regex(w.pattern.begin(), w.pattern.end(), w.options);
+    case 2:
+      return re::regex(std::u16string_view(w.pattern), w.options);
+    case 3:
+      return re::regex(w.pattern.c_str(), w.options);
+    default:
+      return re::regex(w.pattern, w.options);
   }
 }
 
@@ -347,7 +355,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   FUZZ_CHECK(rx.getGroupNamesIfAvailable() == names_in(w.subject));
   FUZZ_CHECK(rx.match().start == npos);  // the walk is over and stays over
 
-  FUZZ_CHECK(rx.str(w.probe_start, w.probe_length) == str_model(prepared, w.probe_start, w.probe_length));
+  FUZZ_CHECK(rx.str(w.probe_start, w.probe_length) ==
+             str_model(prepared, w.probe_start, w.probe_length));
 
   check_match_ex(w, *run);
   check_tuples(w, texts, prepared, prepared_twice, *run_twice);

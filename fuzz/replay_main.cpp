@@ -16,7 +16,8 @@ int main(int argc, char** argv) {
       std::fprintf(stderr, "cannot read %s\n", argv[i]);
       return 1;
     }
-    const std::string bytes((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
+    const std::string bytes((std::istreambuf_iterator<char>(file)),
+                            std::istreambuf_iterator<char>());
     LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size());
     std::printf("replayed %s\n", argv[i]);
   }

@@ -134,7 +134,8 @@ TEST(AllocationFailure, BadAllocWhilePreparingPatternPropagatesAndLeaksNothing) 
 TEST(AllocationFailure, ThreadsThatEndFreeTheirCachedPatterns) {
   const auto work = [] {
     for (int i = 0; i < 100; ++i) {
-      const std::u16string pattern = u"(x" + std::u16string(static_cast<std::size_t>(i % 40 + 1), u'y') + u")+";
+      const std::u16string pattern =
+          u"(x" + std::u16string(static_cast<std::size_t>(i % 40 + 1), u'y') + u")+";
       (void)scl::regex::regex_replace(u"xyyy xy", pattern, u"z", static_cast<std::uint32_t>(i % 2));
     }
   };

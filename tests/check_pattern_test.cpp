@@ -25,9 +25,9 @@ std::pair<int, int> icu_position(const std::u16string& pattern, std::uint32_t op
   where.line = 0;
   where.offset = -1;
   UErrorCode status = U_ZERO_ERROR;
-  delete icu::RegexPattern::compile(icu::UnicodeString(prepared.data(), static_cast<int32_t>(prepared.size())),
-                                    UREGEX_DOTALL | ((options & 1) != 0 ? UREGEX_CASE_INSENSITIVE : 0), where,
-                                    status);
+  delete icu::RegexPattern::compile(
+      icu::UnicodeString(prepared.data(), static_cast<int32_t>(prepared.size())),
+      UREGEX_DOTALL | ((options & 1) != 0 ? UREGEX_CASE_INSENSITIVE : 0), where, status);
   return {where.line, where.offset};
 }
 
@@ -70,9 +70,10 @@ const std::vector<rejected>& every_code() {
       {u"[z-a]", 0, "U_REGEX_INVALID_RANGE", 1, 4, 4},
       {u"(?<a>x)(?<a>y)", 0, "U_REGEX_INVALID_CAPTURE_GROUP_NAME", 1, 12, 12},
       // ICU's parser keeps 100 states: the 101st nested "(" is one too many.
-      {std::u16string(300, u'(') + std::u16string(300, u')'), 0, "U_REGEX_INTERNAL_ERROR", 1, 101, 101},
+      {std::u16string(300, u'(') + std::u16string(300, u')'), 0, "U_REGEX_INTERNAL_ERROR", 1, 101,
+       101},
       // Positions by line and column.
-      {u"a\nb{2,1}", 0, "U_REGEX_MAX_LT_MIN", 2, 6, 8},    // "a" LF: line 2 starts at 2
+      {u"a\nb{2,1}", 0, "U_REGEX_MAX_LT_MIN", 2, 6, 8},      // "a" LF: line 2 starts at 2
       {u"a\r\nb(", 0, "U_REGEX_MISMATCHED_PAREN", 2, 2, 5},  // CR LF is one break
       {u"a\rb(", 0, "U_REGEX_MISMATCHED_PAREN", 2, 2, 4},
       {u"a\u0085b(", 0, "U_REGEX_MISMATCHED_PAREN", 2, 2, 4},
@@ -118,8 +119,8 @@ TEST(CheckPattern, TheSameErrorAsCreateMatcher) {
 }
 
 TEST(CheckPattern, NoValueExactlyWhenCreateMatcherCompiles) {
-  for (const std::u16string pattern : {u"", u"a", u"(?<year>\\d+)-(\\d+)", u"caf\u00e9", u"\\Q(\\E", u"[\\p{L}&&[a-z]]",
-                                       u"\U0001F600+", u"a\nb", u"\\q"}) {
+  for (const std::u16string pattern : {u"", u"a", u"(?<year>\\d+)-(\\d+)", u"caf\u00e9", u"\\Q(\\E",
+                                       u"[\\p{L}&&[a-z]]", u"\U0001F600+", u"a\nb", u"\\q"}) {
     for (std::uint32_t options : {0u, 1u, 2u, 4u, 7u}) {
       EXPECT_EQ(re::check_pattern(pattern, options).has_value(), thrown(pattern, options) != "")
           << hex(pattern) << " options " << options;
@@ -192,9 +193,11 @@ TEST(CheckPattern, DescriptionOfALongPatternShowsAWindow) {
   ASSERT_TRUE(error.has_value());
   EXPECT_EQ(error->offset, 104u);  // the "]"
   // 40 characters before it, 30 from it on.
-  const std::string expected_line = "  ..." + std::string(36, 'a') + "[z-a]" + std::string(29, 'b') + "...";
-  EXPECT_EQ(error->description, "In a character range [x-y], x is greater than y. (at offset 104)\n" +
-                                    expected_line + "\n" + std::string(2 + 3 + 40, ' ') + "^");
+  const std::string expected_line =
+      "  ..." + std::string(36, 'a') + "[z-a]" + std::string(29, 'b') + "...";
+  EXPECT_EQ(error->description,
+            "In a character range [x-y], x is greater than y. (at offset 104)\n" + expected_line +
+                "\n" + std::string(2 + 3 + 40, ' ') + "^");
 }
 
 TEST(CheckPattern, DescriptionIsUtf8AndEscapesUnpairedSurrogates) {

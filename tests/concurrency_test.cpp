@@ -66,7 +66,8 @@ TEST(ConcurrentFreeFunctions, OneShotReplaceUtf16AndUtf8) {
                   scl::regex::regex_replace(subject, u"cafe", u"tea", 0x5), u"7+", u"#", 0);
               wrong += replaced != expected;
               wrong += scl::regex::regex_replace_first(u"aaa", u"a", u"b", 0) != u"baa";
-              wrong += scl::regex::regex_replace("\xC3\xA9t\xC3\xA9"s, "\xC3\xA9"s, "e"s, 0) != "ete";
+              wrong +=
+                  scl::regex::regex_replace("\xC3\xA9t\xC3\xA9"s, "\xC3\xA9"s, "e"s, 0) != "ete";
               return wrong;
             }),
             0);
@@ -76,29 +77,32 @@ TEST(ConcurrentFreeFunctions, TimeLimitsStopOnlyTheirOwnThreadsSearches) {
   // Even threads run never-ending patterns under a 30 ms limit; odd threads run
   // ordinary searches without one, which must see no limit at all.
   const std::u16string hanging[] = {u"(a?)+?b", u"(a|)+?b", u"(a*)+?b"};
-  EXPECT_EQ(scl_regex_test::run_on_threads(kThreads, 3, [&](int t, int r) {
-              int wrong = 0;
-              if (t % 2 == 0) {
-                scl::regex::match_time_limit limit(std::chrono::milliseconds(30));
-                const std::u16string& pattern = hanging[(t / 2 + r) % 3];
-                wrong += scl::regex::regex_search(u"aac", pattern.c_str(), false, 0);
-                wrong += scl::regex::regex_replace(u"ab aac", pattern, u"x", 0) != u"ab aac";
-                wrong += !limit.exceeded();
-              } else {
-                for (int i = 0; i < 200; ++i) {
-                  const std::u16string subject = numbered(t, r + i);
-                  wrong += !scl::regex::regex_search(subject.c_str(), u"CAFE x+", false, 0x5);
-                  wrong += scl::regex::regex_replace(subject, u"7+", u"#", 0).back() != u'#';
-                }
-              }
-              return wrong;
-            }),
+  EXPECT_EQ(scl_regex_test::run_on_threads(
+                kThreads, 3,
+                [&](int t, int r) {
+                  int wrong = 0;
+                  if (t % 2 == 0) {
+                    scl::regex::match_time_limit limit(std::chrono::milliseconds(30));
+                    const std::u16string& pattern = hanging[(t / 2 + r) % 3];
+                    wrong += scl::regex::regex_search(u"aac", pattern.c_str(), false, 0);
+                    wrong += scl::regex::regex_replace(u"ab aac", pattern, u"x", 0) != u"ab aac";
+                    wrong += !limit.exceeded();
+                  } else {
+                    for (int i = 0; i < 200; ++i) {
+                      const std::u16string subject = numbered(t, r + i);
+                      wrong += !scl::regex::regex_search(subject.c_str(), u"CAFE x+", false, 0x5);
+                      wrong += scl::regex::regex_replace(subject, u"7+", u"#", 0).back() != u'#';
+                    }
+                  }
+                  return wrong;
+                }),
             0);
 }
 
 TEST(ConcurrentFreeFunctions, Escape) {
   EXPECT_EQ(run_on_threads([](int t, int) {
-              const std::u16string text = u"(" + std::u16string(static_cast<std::size_t>(t), u'.') + u") x";
+              const std::u16string text =
+                  u"(" + std::u16string(static_cast<std::size_t>(t), u'.') + u") x";
               std::u16string expected = u"\\(";
               for (int i = 0; i < t; ++i) expected += u"\\.";
               expected += u"\\)\\ x";
@@ -123,7 +127,8 @@ TEST(ConcurrentFreeFunctions, PrefixSuffixAndTuples) {
   EXPECT_EQ(run_on_threads([](int t, int r) {
               const std::u16string subject = numbered(t, r);
               int wrong = 0;
-              const auto [prefix, suffix] = scl::regex::regex_search_prefix_suffix(subject, u"x+", 0);
+              const auto [prefix, suffix] =
+                  scl::regex::regex_search_prefix_suffix(subject, u"x+", 0);
               wrong += prefix != u"caf\u00e9 ";
               wrong += suffix != u" " + std::u16string(static_cast<std::size_t>(r % 7 + 1), u'7');
               std::vector<scl::regex::match_tuple> out;
@@ -136,26 +141,27 @@ TEST(ConcurrentFreeFunctions, PrefixSuffixAndTuples) {
 }
 
 TEST(ConcurrentFreeFunctions, EachThreadWithItsOwnHandleAndRegex) {
-  EXPECT_EQ(run_on_threads([](int t, int r) {
-              const std::u16string subject = numbered(t, r);
-              int wrong = 0;
-              const scl::regex::matcher_ptr handle = scl::regex::createMatcher(u"(x+) (7+)", 0);
-              wrong += !scl::regex::regex_search(handle, subject, false);
-              wrong += scl::regex::get_group(handle, 1).size() != static_cast<std::size_t>(t + 1);
-              wrong += scl::regex::regex_replace(handle, subject, [](const std::u16string& m, bool&) {
-                         return u"[" + m + u"]";
-                       }) != u"caf\u00e9 [" + subject.substr(5) + u"]";
-              scl::regex::regex re(u"(?<w>\\w+)", constants::ignore_diacritics);
-              int words = 0;
-              for (scl::regex::regex_iterator it(subject, re); it->start != scl::regex::npos; ++it) {
-                wrong += (*it)["w"].str().empty();
-                ++words;
-              }
-              wrong += words != 3;
-              wrong += re.getGroupNamesIfAvailable().size() != 0;  // scanned text is now the subject
-              return wrong;
-            }),
-            0);
+  EXPECT_EQ(
+      run_on_threads([](int t, int r) {
+        const std::u16string subject = numbered(t, r);
+        int wrong = 0;
+        const scl::regex::matcher_ptr handle = scl::regex::createMatcher(u"(x+) (7+)", 0);
+        wrong += !scl::regex::regex_search(handle, subject, false);
+        wrong += scl::regex::get_group(handle, 1).size() != static_cast<std::size_t>(t + 1);
+        wrong += scl::regex::regex_replace(handle, subject, [](const std::u16string& m, bool&) {
+                   return u"[" + m + u"]";
+                 }) != u"caf\u00e9 [" + subject.substr(5) + u"]";
+        scl::regex::regex re(u"(?<w>\\w+)", constants::ignore_diacritics);
+        int words = 0;
+        for (scl::regex::regex_iterator it(subject, re); it->start != scl::regex::npos; ++it) {
+          wrong += (*it)["w"].str().empty();
+          ++words;
+        }
+        wrong += words != 3;
+        wrong += re.getGroupNamesIfAvailable().size() != 0;  // scanned text is now the subject
+        return wrong;
+      }),
+      0);
 }
 
 TEST(ConcurrentFreeFunctions, ExceptionMessages) {
@@ -165,8 +171,9 @@ TEST(ConcurrentFreeFunctions, ExceptionMessages) {
                 (void)scl::regex::createMatcher(t % 2 == 0 ? u"(" : u"[", 0);
                 ++wrong;
               } catch (const scl::regex::regex_exception& e) {
-                const char* expected = t % 2 == 0 ? "Incorrectly nested parentheses in regexp pattern."
-                                                  : "Missing closing bracket on a bracket expression.";
+                const char* expected = t % 2 == 0
+                                           ? "Incorrectly nested parentheses in regexp pattern."
+                                           : "Missing closing bracket on a bracket expression.";
                 wrong += std::strcmp(e.what(), expected) != 0;
               }
               return wrong;

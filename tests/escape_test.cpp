@@ -39,7 +39,8 @@ TEST(RegexEscape, EveryIcuWhiteSpaceCharacterGetsOneBackslash) {
     const std::u16string text(1, static_cast<char16_t>(c));
     EXPECT_EQ(regex_escape(text), u"\\" + text) << std::hex << c;
   }
-  EXPECT_EQ(count, 25);  // U+0009..000D, 0020, 0085, 00A0, 1680, 2000..200A, 2028, 2029, 202F, 205F, 3000
+  EXPECT_EQ(count,
+            25);  // U+0009..000D, 0020, 0085, 00A0, 1680, 2000..200A, 2028, 2029, 202F, 205F, 3000
 }
 
 TEST(RegexEscape, OtherCharactersAreCopiedUnchanged) {
@@ -54,7 +55,8 @@ std::vector<std::u16string> alphabet() {
   for (UChar32 c = 1; c <= 0xFFFF; ++c) {
     if (u_hasBinaryProperty(c, UCHAR_WHITE_SPACE)) units.push_back({static_cast<char16_t>(c)});
   }
-  for (const char16_t* s : {u"\u00e9", u"\u0301", u"\u4e2d", u"\U0001F600", u"\U00010400", u"\U0010FFFD"}) {
+  for (const char16_t* s :
+       {u"\u00e9", u"\u0301", u"\u4e2d", u"\U0001F600", u"\U00010400", u"\U0010FFFD"}) {
     units.emplace_back(s);
   }
   return units;

@@ -15,11 +15,14 @@ using scl::regex::regex_exception;
 
 static_assert(std::is_constructible_v<expected_result<std::string>, std::string>);
 static_assert(std::is_constructible_v<expected_result<std::string>, regex_exception>);
-static_assert(std::is_same_v<decltype(std::declval<const expected_result<int>&>().has_error()), bool>);
+static_assert(
+    std::is_same_v<decltype(std::declval<const expected_result<int>&>().has_error()), bool>);
 static_assert(noexcept(std::declval<const expected_result<int>&>().has_error()));
 static_assert(std::is_same_v<decltype(std::declval<expected_result<int>&>().value()), int&>);
-static_assert(std::is_same_v<decltype(std::declval<const expected_result<int>&>().value()), const int&>);
-static_assert(std::is_same_v<decltype(std::declval<expected_result<int>&>().error()), regex_exception&>);
+static_assert(
+    std::is_same_v<decltype(std::declval<const expected_result<int>&>().value()), const int&>);
+static_assert(
+    std::is_same_v<decltype(std::declval<expected_result<int>&>().error()), regex_exception&>);
 static_assert(std::is_same_v<decltype(std::declval<const expected_result<int>&>().error()),
                              const regex_exception&>);
 static_assert(!std::is_copy_constructible_v<expected_result<std::unique_ptr<int>>>);

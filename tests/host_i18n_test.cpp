@@ -45,8 +45,10 @@ TEST(Utf8ToUstring, DecodesAllBytesIncludingZeroBytes) {
 }
 
 TEST(Utf8ToUstring, IllFormedSequencesBecomeReplacementCharacters) {
-  EXPECT_EQ(i18n::utf8_to_ustring("a\xFF" "b"), u"a\uFFFDb");
-  EXPECT_EQ(i18n::utf8_to_ustring("\xC3"), u"\uFFFD");            // truncated sequence
+  EXPECT_EQ(i18n::utf8_to_ustring("a\xFF"
+                                  "b"),
+            u"a\uFFFDb");
+  EXPECT_EQ(i18n::utf8_to_ustring("\xC3"), u"\uFFFD");                      // truncated sequence
   EXPECT_EQ(i18n::utf8_to_ustring("\xED\xA0\x80"), u"\uFFFD\uFFFD\uFFFD");  // encoded surrogate
 }
 

@@ -40,12 +40,13 @@ TEST(HostileInput, HandleReplacementsReturnTheSubject) {
                                         return u"x";
                                       }),
             long_subject());
-  EXPECT_EQ(scl::regex::regex_replace(long_subject(), kPattern,
-                                      [&](const std::u16string&, bool&) {
-                                        ++calls;
-                                        return u"x";
-                                      },
-                                      0),
+  EXPECT_EQ(scl::regex::regex_replace(
+                long_subject(), kPattern,
+                [&](const std::u16string&, bool&) {
+                  ++calls;
+                  return u"x";
+                },
+                0),
             long_subject());
   EXPECT_EQ(calls, 0);
 }
@@ -109,7 +110,8 @@ TEST(HostileInput, IcuTimeLimitOnAHandleTurnsANeverEndingSearchIntoFalse) {
     static_cast<icu::RegexMatcher*>(handle.get())->setTimeLimit(50, status);
     ASSERT_TRUE(U_SUCCESS(status));
     EXPECT_FALSE(scl::regex::regex_search(handle, u"a", false));
-    EXPECT_FALSE(scl::regex::regex_search(handle, u"aa", false));  // the limit survives a new search
+    EXPECT_FALSE(
+        scl::regex::regex_search(handle, u"aa", false));  // the limit survives a new search
   }
 }
 

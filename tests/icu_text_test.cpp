@@ -17,8 +17,8 @@ std::size_t naive(const std::u16string& text) {
 
 TEST(UnitsBeforeNul, AgreesWithAPlainScanEverywhere) {
   // Units that stress the word trick: 0x0001 and 0x8000 lanes, 0xFFFF, surrogates.
-  const char16_t units[] = {u'\0', u'\x0001', u'\x8000', u'\xFFFF', u'\x7FFF', u'a', u'\xD800',
-                            u'\x0100', u'\x8001'};
+  const char16_t units[] = {u'\0', u'\x0001', u'\x8000', u'\xFFFF', u'\x7FFF',
+                            u'a',  u'\xD800', u'\x0100', u'\x8001'};
   std::mt19937 random(3);
   std::uniform_int_distribution<std::size_t> pick(0, sizeof units / sizeof units[0] - 1);
   std::uniform_int_distribution<int> zero_odds(0, 20);

@@ -19,7 +19,8 @@ using scl::regex::regex_exception;
 using scl_regex_test::compiled_pattern;
 using scl_regex_test::icu_find;
 
-static_assert(std::is_same_v<matcher_ptr, std::unique_ptr<void, scl::regex::detail::matcher_destroyer>>);
+static_assert(
+    std::is_same_v<matcher_ptr, std::unique_ptr<void, scl::regex::detail::matcher_destroyer>>);
 static_assert(!std::is_copy_constructible_v<matcher_ptr>);
 static_assert(std::is_nothrow_move_constructible_v<matcher_ptr>);
 static_assert(std::is_same_v<decltype(createMatcher(u"", 0)), matcher_ptr>);
@@ -90,7 +91,8 @@ TEST(CreateExpectedMatcher, PreparesPatternLikeCreateMatcher) {
     const std::u16string pattern = u"A\u030a|e\u0301";
     auto expected = createExpectedMatcher(pattern, options);
     ASSERT_FALSE(expected.has_error());
-    EXPECT_EQ(compiled_pattern(expected.value()), compiled_pattern(createMatcher(pattern, options)));
+    EXPECT_EQ(compiled_pattern(expected.value()),
+              compiled_pattern(createMatcher(pattern, options)));
     EXPECT_EQ(compiled_pattern(expected.value()), scl::regex::prepare_text(pattern, options));
   }
 }

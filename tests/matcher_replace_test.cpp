@@ -23,7 +23,8 @@ using namespace std::string_literals;
 
 using TextCallback = std::function<std::u16string(const std::u16string&, bool&)>;
 using HandleCallback = std::function<std::u16string(const matcher_ptr&, bool&)>;
-using TerminationCallback = std::function<std::u16string(const std::u16string&, ECallbackTermination&)>;
+using TerminationCallback =
+    std::function<std::u16string(const std::u16string&, ECallbackTermination&)>;
 
 static_assert(sizeof(ECallbackTermination) == 4);
 static_assert(scl::regex::eContinue == 0 && scl::regex::eStop == 1 &&
@@ -55,9 +56,9 @@ TEST(HandleReplace, EmptyHandleGivesEmptyStringForEveryForm) {
   EXPECT_EQ(regex_replace(empty, u"abc", TerminationCallback{}), u"");
   int calls = 0;
   EXPECT_EQ(regex_replace(empty, u"abc", TextCallback([&](const std::u16string&, bool&) {
-              ++calls;
-              return u"x";
-            })),
+                            ++calls;
+                            return u"x";
+                          })),
             u"");
   EXPECT_EQ(calls, 0);
 }
@@ -84,10 +85,11 @@ TEST(HandleReplace, EmptyCallbackThrowsBadFunctionCallAtFirstMatch) {
 TEST(CallbackReplace, EveryMatchGetsTheCallbacksText) {
   const matcher_ptr handle = createMatcher(u"[0-9]+", 0);
   std::vector<std::u16string> seen;
-  const auto result = regex_replace(handle, u"a1b22c333", TextCallback([&](const std::u16string& m, bool&) {
-                                      seen.push_back(m);
-                                      return u"<" + m + u">";
-                                    }));
+  const auto result =
+      regex_replace(handle, u"a1b22c333", TextCallback([&](const std::u16string& m, bool&) {
+                      seen.push_back(m);
+                      return u"<" + m + u">";
+                    }));
   EXPECT_EQ(result, u"a<1>b<22>c<333>");
   EXPECT_EQ(seen, (std::vector<std::u16string>{u"1", u"22", u"333"}));
 }
@@ -95,11 +97,12 @@ TEST(CallbackReplace, EveryMatchGetsTheCallbacksText) {
 TEST(CallbackReplace, ContinueFlagFalseDropsTheRest) {
   const matcher_ptr handle = createMatcher(u"[0-9]", 0);
   int calls = 0;
-  const auto result = regex_replace(handle, u"a1b2c", TextCallback([&](const std::u16string&, bool& go_on) {
-                                      ++calls;
-                                      go_on = false;
-                                      return u"#";
-                                    }));
+  const auto result =
+      regex_replace(handle, u"a1b2c", TextCallback([&](const std::u16string&, bool& go_on) {
+                      ++calls;
+                      go_on = false;
+                      return u"#";
+                    }));
   EXPECT_EQ(result, u"a#");
   EXPECT_EQ(calls, 1);
 }
@@ -116,17 +119,19 @@ TEST(CallbackReplace, ContinueFlagIsResetToTrueBeforeEachCall) {
 
 TEST(CallbackReplace, HandleFormStopsThroughBoolAndAlwaysTruncates) {
   const matcher_ptr handle = createMatcher(u"[0-9]", 0);
-  const auto result = regex_replace(handle, u"a1b2c", HandleCallback([](const matcher_ptr&, bool& go_on) {
-                                      go_on = false;
-                                      return u"#";
-                                    }));
+  const auto result =
+      regex_replace(handle, u"a1b2c", HandleCallback([](const matcher_ptr&, bool& go_on) {
+                      go_on = false;
+                      return u"#";
+                    }));
   EXPECT_EQ(result, u"a#");
 }
 
 TEST(CallbackReplace, EStopKeepsTheRestEStopAndTruncateDropsIt) {
   const matcher_ptr handle = createMatcher(u"[0-9]", 0);
   auto stop_with = [&](ECallbackTermination how) {
-    return regex_replace(handle, u"a1b2c", TerminationCallback([how](const std::u16string&, ECallbackTermination& t) {
+    return regex_replace(handle, u"a1b2c",
+                         TerminationCallback([how](const std::u16string&, ECallbackTermination& t) {
                            t = how;
                            return u"#";
                          }));
@@ -142,11 +147,13 @@ TEST(CallbackReplace, EStopKeepsTheRestEStopAndTruncateDropsIt) {
 TEST(CallbackReplace, TerminationIsResetToEContinueBeforeEachCall) {
   const matcher_ptr handle = createMatcher(u"[0-9]", 0);
   std::vector<ECallbackTermination> seen;
-  (void)regex_replace(handle, u"1 2", TerminationCallback([&](const std::u16string&, ECallbackTermination& t) {
+  (void)regex_replace(handle, u"1 2",
+                      TerminationCallback([&](const std::u16string&, ECallbackTermination& t) {
                         seen.push_back(t);
                         return u"#";
                       }));
-  EXPECT_EQ(seen, (std::vector<ECallbackTermination>{scl::regex::eContinue, scl::regex::eContinue}));
+  EXPECT_EQ(seen,
+            (std::vector<ECallbackTermination>{scl::regex::eContinue, scl::regex::eContinue}));
 }
 
 TEST(CallbackReplace, DollarZeroInsertsMatchBackslashDollarIsLiteralDollarXFails) {
@@ -161,11 +168,13 @@ TEST(CallbackReplace, InvalidReplacementReturnsSubjectFromEveryForm) {
   const std::u16string subject = u"abcb";
   EXPECT_EQ(regex_replace_first(handle, subject, u"$9"), subject);
   EXPECT_EQ(regex_replace(handle, subject, u"$x"), subject);
-  EXPECT_EQ(regex_replace(handle, subject, HandleCallback([](const matcher_ptr&, bool&) { return u"$2"; })),
+  EXPECT_EQ(regex_replace(handle, subject,
+                          HandleCallback([](const matcher_ptr&, bool&) { return u"$2"; })),
             subject);
-  EXPECT_EQ(regex_replace(handle, subject, TerminationCallback([](const std::u16string&, ECallbackTermination&) {
-              return u"${nope}";
-            })),
+  EXPECT_EQ(regex_replace(handle, subject,
+                          TerminationCallback([](const std::u16string&, ECallbackTermination&) {
+                            return u"${nope}";
+                          })),
             subject);
   EXPECT_EQ(regex_replace(subject, u"b", constant_text(u"$"), 0), subject);
 }
@@ -183,7 +192,8 @@ TEST(CallbackReplace, MatchedTextReachesCallbackCutAtNul) {
                         seen = m;
                         return u"";
                       }));
-  (void)regex_replace(handle, u"xa\0by"s, TerminationCallback([&](const std::u16string& m, ECallbackTermination&) {
+  (void)regex_replace(handle, u"xa\0by"s,
+                      TerminationCallback([&](const std::u16string& m, ECallbackTermination&) {
                         seen_by_termination = m;
                         return u"";
                       }));
@@ -197,9 +207,9 @@ TEST(CallbackReplace, HandleFormsMatchPastNulButResultIsCutAtFirstNul) {
   EXPECT_EQ(regex_replace(handle, subject, u"y"), u"y");
   int calls = 0;
   EXPECT_EQ(regex_replace(handle, subject, TextCallback([&](const std::u16string&, bool&) {
-              ++calls;
-              return u"y";
-            })),
+                            ++calls;
+                            return u"y";
+                          })),
             u"y");
   EXPECT_EQ(calls, 2);  // both "x" were matched, across the U+0000
   // Replacing the text before the U+0000 shows the output is cut, not the input.
@@ -229,7 +239,8 @@ TEST(OneShotCallbackReplace, UncompilablePatternReturnsSubject) {
 }
 
 TEST(OneShotCallbackReplace, HonoursOnlyCaseInsensitive) {
-  EXPECT_EQ(regex_replace(u"xABCx", u"abc", constant_text(u"#"), constants::case_insensitive), u"x#x");
+  EXPECT_EQ(regex_replace(u"xABCx", u"abc", constant_text(u"#"), constants::case_insensitive),
+            u"x#x");
   EXPECT_EQ(regex_replace(u"xABCx", u"abc", constant_text(u"#"), 0), u"xABCx");
   // Neither NFC nor diacritics removal is applied to pattern or subject.
   EXPECT_EQ(regex_replace(u"caf\u00e9", u"cafe", constant_text(u"#"), 0x6), u"caf\u00e9");
@@ -237,11 +248,12 @@ TEST(OneShotCallbackReplace, HonoursOnlyCaseInsensitive) {
 }
 
 TEST(OneShotCallbackReplace, ContinueFlagFalseDropsTheRest) {
-  const auto result = regex_replace(u"a1b2c", u"[0-9]", TextCallback([](const std::u16string&, bool& go_on) {
-                                      go_on = false;
-                                      return u"#";
-                                    }),
-                                    0);
+  const auto result =
+      regex_replace(u"a1b2c", u"[0-9]", TextCallback([](const std::u16string&, bool& go_on) {
+                      go_on = false;
+                      return u"#";
+                    }),
+                    0);
   EXPECT_EQ(result, u"a#");
 }
 
@@ -255,9 +267,9 @@ TEST(HandleReplace, SubjectIsTakenAsPassedWhateverTheHandleOptions) {
   EXPECT_EQ(regex_replace_first(accents, u"caf\u00e9", u"tea"), u"caf\u00e9");
   int calls = 0;
   EXPECT_EQ(regex_replace(accents, u"caf\u00e9", TextCallback([&](const std::u16string&, bool&) {
-              ++calls;
-              return u"tea";
-            })),
+                            ++calls;
+                            return u"tea";
+                          })),
             u"caf\u00e9");
   EXPECT_EQ(calls, 0);
 }
@@ -271,10 +283,11 @@ TEST(HandleReplace, OptionsFiveHandleSearchesPreparedButReplacesRaw) {
 
 TEST(CallbackReplace, HandleCallbackReadsGroupsOfCurrentMatch) {
   const matcher_ptr handle = createMatcher(u"(\\w+)=(\\d+)", 0);
-  const auto result = regex_replace(handle, u"a=1, bb=22", HandleCallback([](const matcher_ptr& h, bool&) {
-                                      EXPECT_EQ(get_group_count(h), 3);
-                                      return get_group(h, 2) + u":" + get_group(h, 1);
-                                    }));
+  const auto result =
+      regex_replace(handle, u"a=1, bb=22", HandleCallback([](const matcher_ptr& h, bool&) {
+                      EXPECT_EQ(get_group_count(h), 3);
+                      return get_group(h, 2) + u":" + get_group(h, 1);
+                    }));
   EXPECT_EQ(result, u"1:a, 22:bb");
 }
 
@@ -295,17 +308,19 @@ TEST(CallbackReplace, CallbackResultIsIcuReplacementSyntax) {
 
 TEST(CallbackReplace, CallbackExceptionPropagatesAndLeavesHandleUsable) {
   const matcher_ptr handle = createMatcher(u"b", 0);
-  EXPECT_THROW((void)regex_replace(handle, u"abcb", TextCallback([](const std::u16string&, bool&) -> std::u16string {
-                 throw std::runtime_error("callback failed");
-               })),
+  EXPECT_THROW((void)regex_replace(handle, u"abcb",
+                                   TextCallback([](const std::u16string&, bool&) -> std::u16string {
+                                     throw std::runtime_error("callback failed");
+                                   })),
                std::runtime_error);
-  EXPECT_THROW((void)regex_replace(handle, u"abcb", HandleCallback([](const matcher_ptr&, bool&) -> std::u16string {
-                 throw 42;
-               })),
+  EXPECT_THROW((void)regex_replace(
+                   handle, u"abcb",
+                   HandleCallback([](const matcher_ptr&, bool&) -> std::u16string { throw 42; })),
                int);
-  EXPECT_THROW((void)regex_replace(u"abcb", u"b", TextCallback([](const std::u16string&, bool&) -> std::u16string {
-                 throw std::runtime_error("one-shot");
-               }),
+  EXPECT_THROW((void)regex_replace(u"abcb", u"b",
+                                   TextCallback([](const std::u16string&, bool&) -> std::u16string {
+                                     throw std::runtime_error("one-shot");
+                                   }),
                                    0),
                std::runtime_error);
   EXPECT_EQ(regex_replace(handle, u"abcb", u"x"), u"axcx");
@@ -330,7 +345,8 @@ TEST(CallbackReplace, EmptyMatchesAreVisitedOnce) {
 
 TEST(HandleReplace, GroupsAfterReplacementReadLiveText) {
   const matcher_ptr handle = createMatcher(u"(b+)", 0);
-  EXPECT_EQ(regex_replace_first(handle, std::u16string(u"a") + std::u16string(50, u'b'), u"x"), u"ax");
+  EXPECT_EQ(regex_replace_first(handle, std::u16string(u"a") + std::u16string(50, u'b'), u"x"),
+            u"ax");
   // The matcher still stands on its last match; reading it must not touch freed memory.
   EXPECT_EQ(get_group(handle, 1), std::u16string(50, u'b'));
 }

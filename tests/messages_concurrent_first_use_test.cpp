@@ -24,7 +24,8 @@ TEST(MessagesConcurrentFirstUse, EveryThreadGetsTheRightText) {
       {0x10312, "Maximum allowed match time exceeded"},
   };
   const int wrong = scl_regex_test::run_on_threads(16, 200, [](int thread, int round) {
-    const Row& row = rows[static_cast<std::size_t>(thread + round) % (sizeof rows / sizeof rows[0])];
+    const Row& row =
+        rows[static_cast<std::size_t>(thread + round) % (sizeof rows / sizeof rows[0])];
     return std::strcmp(scl::regex::regex_exception(row.code).what(), row.message) != 0 ? 1 : 0;
   });
   EXPECT_EQ(wrong, 0);

@@ -94,7 +94,8 @@ TEST(Utf8Replace, CaseInsensitiveMatchesOtherCase) {
 TEST(Utf8Replace, DoesNotNormaliseOrStripDiacritics) {
   const std::string decomposed = "e\xCC\x81";  // "e" U+0301
   EXPECT_EQ(regex_replace(decomposed, "\xC3\xA9"s, "x"s, constants::normalize_nfc), decomposed);
-  EXPECT_EQ(regex_replace("caf\xC3\xA9"s, "cafe"s, "x"s, constants::ignore_diacritics), "caf\xC3\xA9");
+  EXPECT_EQ(regex_replace("caf\xC3\xA9"s, "cafe"s, "x"s, constants::ignore_diacritics),
+            "caf\xC3\xA9");
 }
 
 TEST(Utf8Replace, FailuresReturnSubjectAsPassedIn) {
@@ -132,10 +133,14 @@ bool is_valid_utf8(const std::string& s) {
 
 TEST(Utf8Replace, IllFormedSubjectReadsAsReplacementCharacters) {
   // No match: the decoded subject comes back, with U+FFFD for the bad bytes.
-  EXPECT_EQ(regex_replace("a\xFF" "b"s, "z"s, "x"s, 0), "a\xEF\xBF\xBD" "b");
+  EXPECT_EQ(regex_replace("a\xFF"
+                          "b"s,
+                          "z"s, "x"s, 0),
+            "a\xEF\xBF\xBD"
+            "b");
   // Truncated and overlong sequences and encoded surrogates never crash.
   for (const std::string& bad : {"abc\xE2\x82"s, "\xC0\xAF"s, "\xED\xA0\x80"s, "\x80\x80\x80"s,
-                                "\xF4\x90\x80\x80"s, "\xF0"s}) {
+                                 "\xF4\x90\x80\x80"s, "\xF0"s}) {
     const std::string result = regex_replace(bad, "."s, "[$0]"s, 0);
     EXPECT_TRUE(is_valid_utf8(result));
     EXPECT_NE(result.find("\xEF\xBF\xBD"), std::string::npos);
@@ -144,7 +149,10 @@ TEST(Utf8Replace, IllFormedSubjectReadsAsReplacementCharacters) {
 
 TEST(Utf8Replace, IllFormedPatternAndReplacementReadAsReplacementCharacters) {
   // The bad pattern byte decodes to U+FFFD and so matches the bad subject byte.
-  EXPECT_EQ(regex_replace("a\xFF" "b"s, "\xFF"s, "-"s, 0), "a-b");
+  EXPECT_EQ(regex_replace("a\xFF"
+                          "b"s,
+                          "\xFF"s, "-"s, 0),
+            "a-b");
   EXPECT_EQ(regex_replace("ab"s, "b"s, "\xC3"s, 0), "a\xEF\xBF\xBD");
   EXPECT_EQ(regex_replace("ab"s, "\xE2\x82"s, "x"s, 0), "ab");
 }

@@ -15,8 +15,8 @@ using scl_regex_test::compiled_flags;
 using scl_regex_test::icu_find;
 
 static_assert(std::is_same_v<constants::syntax_option_type, std::uint32_t>);
-static_assert(std::is_same_v<decltype(constants::case_insensitive),
-                             const constants::syntax_option_type>);
+static_assert(
+    std::is_same_v<decltype(constants::case_insensitive), const constants::syntax_option_type>);
 static_assert(constants::case_insensitive == 0x1);
 static_assert(constants::normalize_nfc == 0x2);
 static_assert(constants::ignore_diacritics == 0x4);

@@ -35,10 +35,12 @@ void on_fresh_thread(Test test) {
 TEST(PatternCache, KeepsTheMostRecentlyUsedAndEvictsTheLeast) {
   on_fresh_thread([] {
     UErrorCode status = U_ZERO_ERROR;
-    for (std::size_t i = 0; i < kCachedPatterns; ++i) compiled_pattern(numbered(i), kDotAll, status);
+    for (std::size_t i = 0; i < kCachedPatterns; ++i)
+      compiled_pattern(numbered(i), kDotAll, status);
     ASSERT_EQ(cached_pattern_count(), kCachedPatterns);
-    compiled_pattern(numbered(0), kDotAll, status);               // used again: now the most recent
-    compiled_pattern(numbered(kCachedPatterns), kDotAll, status);  // one more evicts the least recent
+    compiled_pattern(numbered(0), kDotAll, status);  // used again: now the most recent
+    compiled_pattern(numbered(kCachedPatterns), kDotAll,
+                     status);  // one more evicts the least recent
     EXPECT_EQ(cached_pattern_count(), kCachedPatterns);
     EXPECT_TRUE(pattern_is_cached(numbered(0), kDotAll));
     EXPECT_FALSE(pattern_is_cached(numbered(1), kDotAll));
@@ -65,7 +67,8 @@ TEST(PatternCache, FailingPatternsAreNotKept) {
     EXPECT_EQ(status, U_REGEX_MISMATCHED_PAREN);
     EXPECT_EQ(cached_pattern_count(), 0u);
     status = U_ZERO_ERROR;
-    EXPECT_EQ(compiled_pattern(u"(a", kDotAll, status), nullptr);  // fails again, not a stale success
+    EXPECT_EQ(compiled_pattern(u"(a", kDotAll, status),
+              nullptr);  // fails again, not a stale success
     EXPECT_EQ(status, U_REGEX_MISMATCHED_PAREN);
     EXPECT_EQ(re::regex_replace(u"(a", u"(a", u"x", 0), u"(a");
     EXPECT_EQ(cached_pattern_count(), 0u);
@@ -112,8 +115,8 @@ TEST(PatternCache, CallbackRunningOtherOneShotsThatEvictItsPatternIsSafe) {
           // Evicts every entry, the caller's pattern among them.
           for (std::size_t i = 0; i < 2 * kCachedPatterns; ++i) {
             const icu::UnicodeString p = numbered(i);
-            (void)re::regex_replace(u"x", std::u16string(p.getBuffer(), static_cast<std::size_t>(p.length())),
-                                    u"y", 0);
+            (void)re::regex_replace(
+                u"x", std::u16string(p.getBuffer(), static_cast<std::size_t>(p.length())), u"y", 0);
           }
           return u"<" + matched + u">";
         },
@@ -127,10 +130,12 @@ TEST(PatternCache, CallbackRunningOtherOneShotsThatEvictItsPatternIsSafe) {
 TEST(PatternCache, LongPatternsAreNotKeptAndTextIsBounded) {
   on_fresh_thread([] {
     UErrorCode status = U_ZERO_ERROR;
-    const icu::UnicodeString huge(static_cast<int32_t>(re::detail::kCachedUnits + 1), u'a', static_cast<int32_t>(re::detail::kCachedUnits + 1));
+    const icu::UnicodeString huge(static_cast<int32_t>(re::detail::kCachedUnits + 1), u'a',
+                                  static_cast<int32_t>(re::detail::kCachedUnits + 1));
     EXPECT_NE(compiled_pattern(huge, kDotAll, status), nullptr);
     EXPECT_EQ(cached_pattern_count(), 0u);
-    const icu::UnicodeString big(static_cast<int32_t>(re::detail::kCachedUnits / 2), u'b', static_cast<int32_t>(re::detail::kCachedUnits / 2));
+    const icu::UnicodeString big(static_cast<int32_t>(re::detail::kCachedUnits / 2), u'b',
+                                 static_cast<int32_t>(re::detail::kCachedUnits / 2));
     compiled_pattern(big, kDotAll, status);
     compiled_pattern(big + u"c", kDotAll, status);  // together over the bound: the first goes
     EXPECT_EQ(cached_pattern_count(), 1u);
@@ -142,7 +147,8 @@ TEST(PatternCache, ThousandsOfShortLivedThreadsEachFreeTheirPatterns) {
   // Under LeakSanitizer, anything a thread's cache kept past its exit is reported.
   for (int i = 0; i < 2000; ++i) {
     std::thread([i] {
-      const std::u16string pattern = u"a{" + std::u16string(1, static_cast<char16_t>(u'1' + i % 9)) + u"}";
+      const std::u16string pattern =
+          u"a{" + std::u16string(1, static_cast<char16_t>(u'1' + i % 9)) + u"}";
       EXPECT_EQ(re::regex_replace(u"aaaaaaaaa", pattern, u"x", 0).front(), u'x');
       EXPECT_EQ(cached_pattern_count(), 1u);
     }).join();

@@ -18,10 +18,10 @@
 
 namespace {
 
-using scl_regex_test::LiteralEscape;
-using scl_regex_test::LiteralMarkRemoval;
 using scl_regex_test::literal_nfc;
 using scl_regex_test::literal_prepare;
+using scl_regex_test::LiteralEscape;
+using scl_regex_test::LiteralMarkRemoval;
 
 std::u16string from_code_point(UChar32 c) {
   std::u16string text;
@@ -46,16 +46,19 @@ class Identity {
     // prepares the rest: either way it must search exactly the prepared text.
     for (std::size_t i = 0; i < 4; ++i) {
       const std::u16string expected = scl::regex::prepare_text(text, kSearchOptions[i]);
-      const std::u16string searched =
-          scl::regex::regex_search(everything_[i], text, false) ? scl::regex::get_group(everything_[i], 0) : u"?";
+      const std::u16string searched = scl::regex::regex_search(everything_[i], text, false)
+                                          ? scl::regex::get_group(everything_[i], 0)
+                                          : u"?";
       if (searched != expected.substr(0, expected.find(u'\0'))) {
         differences += report("regex_search", kSearchOptions[i], text, expected, searched);
       }
     }
     const std::u16string stripped = scl::regex::strip_diacritics(text);
-    if (stripped != strip_(text)) differences += report("strip_diacritics", 0, text, strip_(text), stripped);
+    if (stripped != strip_(text))
+      differences += report("strip_diacritics", 0, text, strip_(text), stripped);
     const std::u16string escaped = scl::regex::regex_escape(text);
-    if (escaped != escape_(text)) differences += report("regex_escape", 0, text, escape_(text), escaped);
+    if (escaped != escape_(text))
+      differences += report("regex_escape", 0, text, escape_(text), escaped);
     return differences;
   }
   bool ready() const { return strip_.ready(); }
@@ -66,9 +69,11 @@ class Identity {
     for (uint32_t options : {0x2u, 0x4u, 0x6u}) {
       const std::u16string expected = literal_prepare(text, options, strip_);
       const std::u16string actual = scl::regex::prepare_text(text, options);
-      if (actual != expected) differences += report("prepare_text", options, text, expected, actual);
+      if (actual != expected)
+        differences += report("prepare_text", options, text, expected, actual);
       const std::u16string mapped = scl::regex::prepare_text_mapped(text, options).text();
-      if (mapped != expected) differences += report("prepare_text_mapped", options, text, expected, mapped);
+      if (mapped != expected)
+        differences += report("prepare_text_mapped", options, text, expected, mapped);
     }
     return differences;
   }
@@ -125,7 +130,8 @@ std::vector<UChar32> latin_greek_cyrillic_letters() {
   for (UChar32 c = 0; c <= 0x10FFFF; ++c) {
     UErrorCode status = U_ZERO_ERROR;
     const UScriptCode script = uscript_getScript(c, &status);
-    if (u_isalpha(c) && (script == USCRIPT_LATIN || script == USCRIPT_GREEK || script == USCRIPT_CYRILLIC)) {
+    if (u_isalpha(c) &&
+        (script == USCRIPT_LATIN || script == USCRIPT_GREEK || script == USCRIPT_CYRILLIC)) {
       letters.push_back(c);
     }
   }
@@ -247,11 +253,12 @@ TEST(PreparationIdentity, LoneSurrogatesAmongOtherText) {
 // excluded from composition, white space, syntax characters, U+0000.
 std::vector<std::u16string> mixture() {
   std::vector<std::u16string> pieces;
-  for (UChar32 c : {0x61, 0x45, 0x6F, 0x3B1, 0x3A9, 0x430, 0x416, 0xE9, 0xC5, 0x1E69, 0x3AC,
-                    0x439, 0x212B, 0x2260, 0xFB01, 0x958, 0x915, 0x93C, 0x903, 0xB47, 0xB3E,
-                    0x1100, 0x1161, 0x11A8, 0xAC00, 0x4E2D, 0x1F600, 0x1D15E, 0x1D167, 0x10400,
-                    0x20, 0x9, 0x3000, 0x85, 0x2E, 0x2A, 0x24, 0x5C, 0x28, 0x23, 0x301, 0x308,
-                    0x327, 0x323, 0x307, 0x20DD, 0x5B4, 0x64B, 0xE31, 0x302, 0x342, 0x345}) {
+  for (UChar32 c :
+       {0x61,   0x45,   0x6F,   0x3B1,  0x3A9,   0x430,   0x416,   0xE9,    0xC5,  0x1E69, 0x3AC,
+        0x439,  0x212B, 0x2260, 0xFB01, 0x958,   0x915,   0x93C,   0x903,   0xB47, 0xB3E,  0x1100,
+        0x1161, 0x11A8, 0xAC00, 0x4E2D, 0x1F600, 0x1D15E, 0x1D167, 0x10400, 0x20,  0x9,    0x3000,
+        0x85,   0x2E,   0x2A,   0x24,   0x5C,    0x28,    0x23,    0x301,   0x308, 0x327,  0x323,
+        0x307,  0x20DD, 0x5B4,  0x64B,  0xE31,   0x302,   0x342,   0x345}) {
     pieces.push_back(from_code_point(c));
   }
   for (char16_t unit : {u'\xD800', u'\xDC00', u'\xDBFF'}) pieces.emplace_back(1, unit);
@@ -292,7 +299,7 @@ TEST(PreparationIdentity, LongTextsWhoseNfcOrDecompositionStartsLate) {
 TEST(PreparationIdentity, TransliteratorCreatedPerCallAgreesToo) {
   const std::vector<std::u16string> samples = {
       u"caf\u00e9", u"e\u0301\u0302", u"\u1E69", u"\u212B", u"A\u030A", u"\u03AC",
-      u"\u0439", u"x\xD800y", u"\u0958", u"ab", u"", u"\u0301"};
+      u"\u0439",    u"x\xD800y",      u"\u0958", u"ab",     u"",        u"\u0301"};
   for (const auto& text : samples) {
     EXPECT_EQ(scl::regex::strip_diacritics(text), scl_regex_test::literal_strip_per_call(text))
         << hex(text);

@@ -30,7 +30,9 @@ TEST(PrepareText, NfcComposesCombiningAcute) {
 
 TEST(PrepareText, NfcLetsComposedPatternFindDecomposedSubject) {
   const auto handle = scl::regex::createMatcher(u"\u00e9", constants::normalize_nfc);
-  EXPECT_TRUE(scl_regex_test::icu_find(handle, prepare_text(u"caf" u"e\u0301", constants::normalize_nfc)));
+  EXPECT_TRUE(scl_regex_test::icu_find(handle, prepare_text(u"caf"
+                                                            u"e\u0301",
+                                                            constants::normalize_nfc)));
   // Unprepared, the decomposed subject does not contain U+00E9.
   EXPECT_FALSE(scl_regex_test::icu_find(handle, u"cafe\u0301"));
 }
@@ -42,7 +44,8 @@ TEST(PrepareText, IgnoreDiacriticsTurnsEAcuteIntoE) {
 
 TEST(PrepareText, IgnoreDiacriticsLetsPlainPatternFindAccentedSubject) {
   const auto plain = scl::regex::createMatcher(u"cafe", constants::ignore_diacritics);
-  EXPECT_TRUE(scl_regex_test::icu_find(plain, prepare_text(u"un caf\u00e9", constants::ignore_diacritics)));
+  EXPECT_TRUE(
+      scl_regex_test::icu_find(plain, prepare_text(u"un caf\u00e9", constants::ignore_diacritics)));
   // The accented pattern is itself reduced to "cafe".
   const auto accented = scl::regex::createMatcher(u"caf\u00e9", constants::ignore_diacritics);
   EXPECT_EQ(scl_regex_test::compiled_pattern(accented), u"cafe");
@@ -79,12 +82,14 @@ TEST(PrepareText, IgnoreDiacriticsReducesCombiningMarksOnlyToEmpty) {
 
 TEST(PrepareText, NfcAndIgnoreDiacriticsTogetherEqualNfcThenMarkRemoval) {
   const std::u16string samples[] = {
-      u"e\u0301", u"A\u030a\u0301ngstr\u00f6m", u"\u1e69", u"s\u0323\u0307", u"\u212b",
-      u"\uac00\u11a8", u"x\u0338y", u"\u00c5\u0327", u"ab\0e\u0301"s,
+      u"e\u0301",      u"A\u030a\u0301ngstr\u00f6m",
+      u"\u1e69",       u"s\u0323\u0307",
+      u"\u212b",       u"\uac00\u11a8",
+      u"x\u0338y",     u"\u00c5\u0327",
+      u"ab\0e\u0301"s,
   };
   for (const auto& text : samples) {
-    const std::u16string stepwise =
-        strip_diacritics(prepare_text(text, constants::normalize_nfc));
+    const std::u16string stepwise = strip_diacritics(prepare_text(text, constants::normalize_nfc));
     EXPECT_EQ(prepare_text(text, constants::normalize_nfc | constants::ignore_diacritics),
               stepwise);
   }
@@ -131,10 +136,12 @@ TEST(PrepareText, NfcResultOfExactly1024UnitsFitsTheFirstPass) {
 TEST(PrepareText, PositionsInPreparedSubjectDifferFromCallersText) {
   const auto handle = scl::regex::createMatcher(u"x", constants::normalize_nfc);
   int start = -1;
-  ASSERT_TRUE(scl_regex_test::icu_find(handle, prepare_text(u"e\u0301x", constants::normalize_nfc), &start));
+  ASSERT_TRUE(scl_regex_test::icu_find(handle, prepare_text(u"e\u0301x", constants::normalize_nfc),
+                                       &start));
   EXPECT_EQ(start, 1);  // 2 in the caller's text, 1 in the prepared one
   const auto stripped = scl::regex::createMatcher(u"x", constants::ignore_diacritics);
-  ASSERT_TRUE(scl_regex_test::icu_find(stripped, prepare_text(u"a\u0300\u0301x", constants::ignore_diacritics), &start));
+  ASSERT_TRUE(scl_regex_test::icu_find(
+      stripped, prepare_text(u"a\u0300\u0301x", constants::ignore_diacritics), &start));
   EXPECT_EQ(start, 1);
 }
 
@@ -156,7 +163,9 @@ TEST(PrepareText, MarkAfterSurrogatesJoinedByRemovalIsKeptAsTheTransliteratorKee
 }
 
 TEST(PrepareText, LoneSurrogatesPassThrough) {
-  const std::u16string lone = u"a\xD800" u"b\xDC00";
+  const std::u16string lone =
+      u"a\xD800"
+      u"b\xDC00";
   EXPECT_EQ(prepare_text(lone, constants::normalize_nfc), lone);
   EXPECT_EQ(prepare_text(lone, constants::ignore_diacritics), lone);
 }

@@ -109,7 +109,8 @@ TEST(PreparedText, DecomposedFrenchMatchFoundWhereTheUserSeesIt) {
   // "Crème brûlée et crème", decomposed; "creme" is found at [16, 21) of the
   // prepared text, "et cr" in the source; the map gives the second "Crème".
   const std::u16string source = u"Cre\u0300me bru\u0302le\u0301e et cre\u0300me";
-  const re::prepared_text mapped = re::prepare_text_mapped(source, kMarks | re::constants::case_insensitive);
+  const re::prepared_text mapped =
+      re::prepare_text_mapped(source, kMarks | re::constants::case_insensitive);
   EXPECT_EQ(mapped.text(), u"Creme brulee et creme");
   EXPECT_EQ(mapped.text().substr(16, 5), u"creme");
   EXPECT_EQ(source.substr(16, 5), u"et cr");
@@ -135,9 +136,12 @@ TEST(PreparedText, WithoutPreparationBitsTheMapIsTheIdentityAndWidensSurrogatePa
 
 TEST(PreparedText, TextThatTheStepsKeepMapsToItself) {
   const std::vector<std::pair<std::u16string, std::uint32_t>> kept = {
-      {u"plain ASCII", kNfc},          {u"plain ASCII", kMarks | kNfc},
-      {u"d\u00e9j\u00e0 NFC", kNfc},    {u"\u4e2d\u6587 \U0001F600", kNfc},
-      {u"\u4e2d\u6587 \U0001F600", kMarks}, {u"a\u0B3E", kMarks | kNfc}};
+      {u"plain ASCII", kNfc},
+      {u"plain ASCII", kMarks | kNfc},
+      {u"d\u00e9j\u00e0 NFC", kNfc},
+      {u"\u4e2d\u6587 \U0001F600", kNfc},
+      {u"\u4e2d\u6587 \U0001F600", kMarks},
+      {u"a\u0B3E", kMarks | kNfc}};
   for (const auto& [source, options] : kept) {
     const re::prepared_text mapped = re::prepare_text_mapped(source, options);
     ASSERT_EQ(mapped.text(), source);
@@ -179,7 +183,8 @@ TEST(PreparedText, JoinedUnpairedSurrogatesAreOnePieceAndKeepTheTransliteratorsR
   const std::u16string source = u"a\xD800\u0301\xDC00\u0301b";
   const re::prepared_text mapped = re::prepare_text_mapped(source, kMarks);
   EXPECT_EQ(mapped.text(), re::prepare_text(source, kMarks));
-  EXPECT_EQ(mapped.text(), std::u16string(u"a\xD800\xDC00\u0301" u"b"));
+  EXPECT_EQ(mapped.text(), std::u16string(u"a\xD800\xDC00\u0301"
+                                          u"b"));
   EXPECT_EQ(mapped.source_range(0, 1), range(0, 1));
   EXPECT_EQ(mapped.source_range(1, 2), range(1, 5));
   EXPECT_EQ(mapped.source_range(4, 5), range(5, 6));
@@ -192,14 +197,14 @@ const std::vector<std::u16string>& samples() {
       u"",
       u"Caf\u00e9 cr\u00e8me, \u00e9t\u00e9",
       u"Cafe\u0301 cre\u0300me, e\u0301te\u0301",
-      u"Ti\u1EBFng Vi\u1EC7t c\u00f3 d\u1EA5u",                      // Vietnamese, precomposed
-      u"Tie\u0302\u0301ng Vie\u0323\u0302t co\u0301 da\u0302\u0301u",  // and decomposed
-      u"\u0B15\u0B47\u0B3E \u0B95\u0BC6\u0BBE \u0D15\u0D46\u0D3E",    // split vowels
-      u"\uD55C\uAD6D\uC5B4 \u1112\u1161\u11AB \u1100\u1173\u11AF",    // Hangul and jamo
-      u"\u1F00\u03B8\u03C1\u03C9\u0301\u03C0\u1FF3 \u1F04\u0345",     // Greek polytonic
+      u"Ti\u1EBFng Vi\u1EC7t c\u00f3 d\u1EA5u",                         // Vietnamese, precomposed
+      u"Tie\u0302\u0301ng Vie\u0323\u0302t co\u0301 da\u0302\u0301u",   // and decomposed
+      u"\u0B15\u0B47\u0B3E \u0B95\u0BC6\u0BBE \u0D15\u0D46\u0D3E",      // split vowels
+      u"\uD55C\uAD6D\uC5B4 \u1112\u1161\u11AB \u1100\u1173\u11AF",      // Hangul and jamo
+      u"\u1F00\u03B8\u03C1\u03C9\u0301\u03C0\u1FF3 \u1F04\u0345",       // Greek polytonic
       u"\u2764\uFE0F \U0001F44D\U0001F3FD \U0001F468\u200D\U0001F469",  // emoji
-      u"\u0958\u0959 \u212B \u2126 \u0344",                          // exclusions, singletons
-      u"x\U0001D165\U0001D16D y",                                     // marks with a class, kept
+      u"\u0958\u0959 \u212B \u2126 \u0344",                             // exclusions, singletons
+      u"x\U0001D165\U0001D16D y",                                       // marks with a class, kept
       u"\u0301\u0302start",
       std::u16string(u"ab\0c\u0301d", 6),
       u"lone \xD800 and \xDC00 and \xD800\u0301\xDC00\u0302x",
@@ -216,11 +221,34 @@ TEST_P(PreparedTextRules, HoldForEveryKindOfText) {
 }
 
 TEST_P(PreparedTextRules, HoldForRandomMixtures) {
-  const std::vector<std::u16string> pieces = {
-      u"a", u"E", u"\u03B1", u"\u0416", u"\u00e9", u"\u1EC7", u"\u0301", u"\u0323", u"\u0302",
-      u"\u0B47", u"\u0B3E", u"\u1100", u"\u1161", u"\u11A8", u"\uAC00", u"\u0958", u"\u093C",
-      u"\U0001D165", u"\U0001D400", u"\U0001F600", u"\u212B", u"\u0344", u"\u0345", u"\u05B4",
-      u" ", std::u16string(1, u'\xD800'), std::u16string(1, u'\xDC00'), std::u16string(1, u'\0')};
+  const std::vector<std::u16string> pieces = {u"a",
+                                              u"E",
+                                              u"\u03B1",
+                                              u"\u0416",
+                                              u"\u00e9",
+                                              u"\u1EC7",
+                                              u"\u0301",
+                                              u"\u0323",
+                                              u"\u0302",
+                                              u"\u0B47",
+                                              u"\u0B3E",
+                                              u"\u1100",
+                                              u"\u1161",
+                                              u"\u11A8",
+                                              u"\uAC00",
+                                              u"\u0958",
+                                              u"\u093C",
+                                              u"\U0001D165",
+                                              u"\U0001D400",
+                                              u"\U0001F600",
+                                              u"\u212B",
+                                              u"\u0344",
+                                              u"\u0345",
+                                              u"\u05B4",
+                                              u" ",
+                                              std::u16string(1, u'\xD800'),
+                                              std::u16string(1, u'\xDC00'),
+                                              std::u16string(1, u'\0')};
   std::mt19937 random(GetParam() + 11);
   std::uniform_int_distribution<std::size_t> pick(0, pieces.size() - 1);
   std::uniform_int_distribution<int> count(0, 12);

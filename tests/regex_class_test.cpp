@@ -48,7 +48,8 @@ class RecordingEngine : public regex_impl_abstract {
     record("reset(string," + std::to_string(o) + ")");
     subject_ = s;
   }
-  void reset(const char16_t* first, const char16_t* last, constants::syntax_option_type o) override {
+  void reset(const char16_t* first, const char16_t* last,
+             constants::syntax_option_type o) override {
     record("reset(range," + std::to_string(o) + ")");
     subject_.assign(first, last);
   }
@@ -68,7 +69,8 @@ class RecordingEngine : public regex_impl_abstract {
     groups.assign(1, group_result{0, 1, this});
   }
   std::u16string replace(const std::u16string& s, const std::u16string&) override { return s; }
-  expected_result<std::u16string> replace_ex(const std::u16string& s, const std::u16string&) override {
+  expected_result<std::u16string> replace_ex(const std::u16string& s,
+                                             const std::u16string&) override {
     return s;
   }
   std::u16string getGroupReference(const std::u16string& n) const override { return n; }
@@ -118,9 +120,9 @@ TEST(Regex, CallersEngineReceivesEveryCallWithOptionsOnResetAndZeroFlagsOnMatch)
     EXPECT_EQ(re.str(1, 2), u"je");
     EXPECT_EQ(re.getGroupsCount(), 42);
   }
-  const std::vector<std::string> expected = {
-      "init(string,5)", "reset(string,5)", "reset(range,5)", "reset(view,5)", "match(0)",
-      "match_ex(0)",    "str(1,2)",        "getGroupsCount", "destroyed"};
+  const std::vector<std::string> expected = {"init(string,5)", "reset(string,5)", "reset(range,5)",
+                                             "reset(view,5)",  "match(0)",        "match_ex(0)",
+                                             "str(1,2)",       "getGroupsCount",  "destroyed"};
   EXPECT_EQ(log, expected);
 }
 
@@ -222,12 +224,12 @@ TEST(Regex, StrTakesPositionsAsSigned32BitValuesPinnedToTheSubject) {
   regex re(u"a", 0);
   re.reset(u"abc");
   const std::size_t two_to_32 = std::size_t{1} << 32;
-  EXPECT_EQ(re.str(two_to_32, 3), u"abc");      // start cut to 0
-  EXPECT_EQ(re.str(npos, 2), u"ab");            // start -1 counts as 0
+  EXPECT_EQ(re.str(two_to_32, 3), u"abc");            // start cut to 0
+  EXPECT_EQ(re.str(npos, 2), u"ab");                  // start -1 counts as 0
   EXPECT_EQ(re.str(std::size_t{1} << 31, 2), u"ab");  // INT32_MIN counts as 0
-  EXPECT_EQ(re.str(0, two_to_32 + 1), u"a");    // length cut to 1
-  EXPECT_EQ(re.str(1, npos), u"");              // length -1 counts as 0
-  EXPECT_EQ(re.str(3, 5), u"");                 // start at the end
+  EXPECT_EQ(re.str(0, two_to_32 + 1), u"a");          // length cut to 1
+  EXPECT_EQ(re.str(1, npos), u"");                    // length -1 counts as 0
+  EXPECT_EQ(re.str(3, 5), u"");                       // start at the end
 }
 
 TEST(Regex, ResetFormsAndStringLiteralsAgree) {
@@ -277,8 +279,6 @@ TEST(Regex, IcuSearchFailureGivesEmptyResultOrIcuError) {
   EXPECT_EQ(ex.error().getErrorCodeMnemonic(), "U_REGEX_STACK_OVERFLOW");
 }
 
-TEST(Regex, GroupsCountOfDefaultEngine) {
-  EXPECT_EQ(regex(u"(a)(b)(?:c)", 0).getGroupsCount(), 2);
-}
+TEST(Regex, GroupsCountOfDefaultEngine) { EXPECT_EQ(regex(u"(a)(b)(?:c)", 0).getGroupsCount(), 2); }
 
 }  // namespace

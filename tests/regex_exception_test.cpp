@@ -109,8 +109,10 @@ TEST(RegexException, WarningCodesFallToDefaultMessage) {
 
 TEST(RegexException, MessageLookupUsesLow32BitsButLibraryCodesCompareAll64) {
   const std::int64_t high = std::int64_t{1} << 32;
-  EXPECT_STREQ(regex_exception(high + U_REGEX_RULE_SYNTAX).what(), "Syntax error in regexp pattern.");
-  EXPECT_EQ(regex_exception(high + U_REGEX_RULE_SYNTAX).getErrorCodeMnemonic(), "U_REGEX_RULE_SYNTAX");
+  EXPECT_STREQ(regex_exception(high + U_REGEX_RULE_SYNTAX).what(),
+               "Syntax error in regexp pattern.");
+  EXPECT_EQ(regex_exception(high + U_REGEX_RULE_SYNTAX).getErrorCodeMnemonic(),
+            "U_REGEX_RULE_SYNTAX");
   // Low 32 bits equal to -1000, but not -1000 as a 64-bit value.
   EXPECT_STREQ(regex_exception(high - 1000).what(), "unknown regex error");
 }

@@ -155,7 +155,8 @@ TEST(IcuEngine, SuccessiveMatchesAdvanceAndEmptyMatchesDoNotRepeat) {
   engine.init(u"x*"s, 0);
   engine.reset(u"ab"s, 0);
   std::vector<std::size_t> starts;
-  for (regex_result m = engine.match(0); m.start != npos; m = engine.match(0)) starts.push_back(m.start);
+  for (regex_result m = engine.match(0); m.start != npos; m = engine.match(0))
+    starts.push_back(m.start);
   EXPECT_EQ(starts, (std::vector<std::size_t>{0, 1, 2}));
 }
 

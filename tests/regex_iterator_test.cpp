@@ -1,8 +1,8 @@
 // Walking matches with regex_iterator.
 #include <iterator>
 #include <string>
-#include <type_traits>
 #include <string_view>
+#include <type_traits>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -121,9 +121,12 @@ namespace {
 
 namespace rr = scl::regex;
 
-static_assert(std::is_same_v<std::iterator_traits<rr::regex_iterator>::iterator_category, std::input_iterator_tag>);
-static_assert(std::is_same_v<std::iterator_traits<rr::regex_iterator>::value_type, rr::regex_result>);
-static_assert(std::is_same_v<std::iterator_traits<rr::regex_iterator>::reference, const rr::regex_result&>);
+static_assert(std::is_same_v<std::iterator_traits<rr::regex_iterator>::iterator_category,
+                             std::input_iterator_tag>);
+static_assert(
+    std::is_same_v<std::iterator_traits<rr::regex_iterator>::value_type, rr::regex_result>);
+static_assert(
+    std::is_same_v<std::iterator_traits<rr::regex_iterator>::reference, const rr::regex_result&>);
 
 TEST(RegexRange, RangeForWalksTheSameMatchesAsTheIterator) {
   rr::regex digits(u"\\d+", 0);

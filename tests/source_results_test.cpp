@@ -17,7 +17,8 @@ using re::npos;
 using range = std::pair<std::size_t, std::size_t>;
 using scl_regex_test::hex;
 
-constexpr std::uint32_t kCaseAndMarks = re::constants::case_insensitive | re::constants::ignore_diacritics;
+constexpr std::uint32_t kCaseAndMarks =
+    re::constants::case_insensitive | re::constants::ignore_diacritics;
 
 constexpr std::uint32_t kNfc = re::constants::normalize_nfc;
 
@@ -30,7 +31,8 @@ const std::u16string kDecomposed = u"Cre\u0300me bru\u0302le\u0301e et cre\u0300
 TEST(FindAll, DecomposedTextGivesTheCallersPositions) {
   // By hand: C0 r1 e2 U+0300 3 m4 e5 | space 6 | b7 r8 u9 U+0302 10 l11 e12 U+0301 13 e14 |
   // space 15 | e16 t17 | space 18 | c19 r20 e21 U+0300 22 m23 e24.
-  const std::vector<re::source_match> found = re::regex_find_all(kDecomposed, u"creme", kCaseAndMarks);
+  const std::vector<re::source_match> found =
+      re::regex_find_all(kDecomposed, u"creme", kCaseAndMarks);
   ASSERT_EQ(found.size(), 2u);
   EXPECT_EQ(range(found[0].start, found[0].end), range(0, 6));
   EXPECT_EQ(range(found[1].start, found[1].end), range(19, 25));
@@ -66,7 +68,8 @@ TEST(FindAll, EmptyMatchesComeAsEmptyRangesInSubjectOrder) {
 
 TEST(FindAll, EmptyMatchAfterARemovedMarkSitsAtTheEnd) {
   // "e" U+0301 prepares to "e"; the empty match at the end maps to the end of the source.
-  const std::vector<re::source_match> found = re::regex_find_all(u"e\u0301", u"$", re::constants::ignore_diacritics);
+  const std::vector<re::source_match> found =
+      re::regex_find_all(u"e\u0301", u"$", re::constants::ignore_diacritics);
   ASSERT_EQ(found.size(), 1u);
   EXPECT_EQ(range(found[0].start, found[0].end), range(2, 2));
 }
@@ -89,7 +92,7 @@ TEST(FindAll, RegexFormLeavesTheRegexResetOntoTheSubjectPastItsLastMatch) {
   re::regex word(u"cr\\w+", kCaseAndMarks);
   const std::vector<re::source_match> found = re::regex_find_all(word, kDecomposed);
   EXPECT_EQ(found.size(), 2u);
-  EXPECT_EQ(word.match().start, npos);  // past the last match
+  EXPECT_EQ(word.match().start, npos);   // past the last match
   EXPECT_EQ(word.str(0, 6), u"Creme ");  // the prepared subject
   // The same walk as regex_iterator: the same number of matches, the same order.
   std::size_t walked = 0;
@@ -124,7 +127,9 @@ class ScriptedEngine : public re::regex_impl_abstract {
   void init(const char16_t* f, const char16_t* l, re::constants::syntax_option_type) override {
     pattern_.assign(f, l);
   }
-  void init(const std::u16string_view& p, re::constants::syntax_option_type) override { pattern_ = p; }
+  void init(const std::u16string_view& p, re::constants::syntax_option_type) override {
+    pattern_ = p;
+  }
   const std::u16string& getPattern() const override { return pattern_; }
   void reset(const std::u16string& s, re::constants::syntax_option_type) override { rewind(s); }
   void reset(const char16_t* f, const char16_t* l, re::constants::syntax_option_type) override {
@@ -145,7 +150,8 @@ class ScriptedEngine : public re::regex_impl_abstract {
     groups.assign(1, re::group_result{current_.first, current_.second, this});
   }
   std::u16string replace(const std::u16string& s, const std::u16string&) override { return s; }
-  re::expected_result<std::u16string> replace_ex(const std::u16string& s, const std::u16string&) override {
+  re::expected_result<std::u16string> replace_ex(const std::u16string& s,
+                                                 const std::u16string&) override {
     return s;
   }
   std::u16string getGroupReference(const std::u16string& n) const override { return n; }
@@ -184,7 +190,8 @@ TEST(FindAll, CallersEngineIsMappedAsIfItPreparedAsPrepareTextDoes) {
 
 TEST(FindAll, AFailedSearchStepEndsTheWalkWithTheMatchesFoundSoFar) {
   // The scripted engine's walk ends after two matches, as a failing step does.
-  re::regex custom(u"ignored", 0, std::make_unique<ScriptedEngine>(std::vector<range>{{0, 1}, {2, 3}}));
+  re::regex custom(u"ignored", 0,
+                   std::make_unique<ScriptedEngine>(std::vector<range>{{0, 1}, {2, 3}}));
   EXPECT_EQ(re::regex_find_all(custom, u"abcdef").size(), 2u);
   // With ICU: a backtrack-stack overflow in the first step gives no match at all.
   // With ICU: the first step finds "ac", the second overflows the backtrack stack.
@@ -202,8 +209,9 @@ TEST(FindAll, OneSourceCharacterPreparedIntoTwoUnitsGivesOverlappingRanges) {
 // ---- regex_replace_preserving ----
 
 TEST(ReplacePreserving, OnlyTheMatchChanges) {
-  EXPECT_EQ(re::regex_replace_preserving(u"Caf\u00e9 cr\u00e8me, \u00e9t\u00e9", u"cafe", u"tea", 0x5),
-            u"tea cr\u00e8me, \u00e9t\u00e9");
+  EXPECT_EQ(
+      re::regex_replace_preserving(u"Caf\u00e9 cr\u00e8me, \u00e9t\u00e9", u"cafe", u"tea", 0x5),
+      u"tea cr\u00e8me, \u00e9t\u00e9");
   // The prepared-text replacement loses every accent.
   EXPECT_EQ(re::regex_replace(u"Caf\u00e9 cr\u00e8me, \u00e9t\u00e9", u"cafe", u"tea", 0x5),
             u"tea creme, ete");
@@ -213,7 +221,8 @@ TEST(ReplacePreserving, GroupsComeFromTheCallersText) {
   EXPECT_EQ(re::regex_replace_preserving(u"Cre\u0300me br\u00fbl\u00e9e", u"(cr)eme", u"[$1]", 0x5),
             u"[Cr] br\u00fbl\u00e9e");
   // A group keeps the caller's decomposed accent, and names work as numbers do.
-  EXPECT_EQ(re::regex_replace_preserving(kDecomposed, u"(?<word>cr(e)me)", u"<${word}|$2>", kCaseAndMarks),
+  EXPECT_EQ(re::regex_replace_preserving(kDecomposed, u"(?<word>cr(e)me)", u"<${word}|$2>",
+                                         kCaseAndMarks),
             u"<Cre\u0300me|e\u0300> bru\u0302le\u0301e et <cre\u0300me|e\u0300>");
 }
 
@@ -241,27 +250,34 @@ TEST(ReplacePreserving, TextAfterTheNulThatRemovalStoppedAtIsKeptUnsearched) {
 }
 
 TEST(ReplacePreserving, BackslashMakesTheNextCharacterLiteral) {
-  EXPECT_EQ(re::regex_replace_preserving(u"caf\u00e9", u"(cafe)", u"\\$1=$1\\\\\\u0041", kCaseAndMarks),
-            u"$1=caf\u00e9\\A");
+  EXPECT_EQ(
+      re::regex_replace_preserving(u"caf\u00e9", u"(cafe)", u"\\$1=$1\\\\\\u0041", kCaseAndMarks),
+      u"$1=caf\u00e9\\A");
 }
 
 TEST(ReplacePreserving, EscapesAreReadAsICUReadsThem) {
   // A failed escape drops what ICU read of it; a lead surrogate escape at the
   // end reads past it and leaves ICU one unit back, so its last digit comes again.
   EXPECT_EQ(re::regex_replace_preserving(u"x", u"x", u"\\uZy|\\U0041xy|\\uD800", 0),
-            u"y|y|\xD800" u"0");
-  EXPECT_EQ(re::regex_replace(u"x", u"x", u"\\uZy|\\U0041xy|\\uD800", 0), u"y|y|\xD800" u"0");
+            u"y|y|\xD800"
+            u"0");
+  EXPECT_EQ(re::regex_replace(u"x", u"x", u"\\uZy|\\U0041xy|\\uD800", 0),
+            u"y|y|\xD800"
+            u"0");
 }
 
 TEST(ReplacePreserving, ReplacementEndsAtItsFirstNul) {
-  EXPECT_EQ(re::regex_replace_preserving(u"caf\u00e9!", u"cafe", std::u16string(u"tea\0junk", 8), kCaseAndMarks),
+  EXPECT_EQ(re::regex_replace_preserving(u"caf\u00e9!", u"cafe", std::u16string(u"tea\0junk", 8),
+                                         kCaseAndMarks),
             u"tea!");
 }
 
 TEST(ReplacePreserving, InvalidReplacementGivesTheSubjectWhole) {
-  for (const std::u16string replacement : {u"$", u"x$", u"$x", u"${nope}", u"${word", u"${}", u"${1}", u"$2", u"${w!}"}) {
+  for (const std::u16string replacement :
+       {u"$", u"x$", u"$x", u"${nope}", u"${word", u"${}", u"${1}", u"$2", u"${w!}"}) {
     std::u16string result;
-    EXPECT_NO_THROW(result = re::regex_replace_preserving(kDecomposed, u"(?<word>cr)eme", replacement, kCaseAndMarks));
+    EXPECT_NO_THROW(result = re::regex_replace_preserving(kDecomposed, u"(?<word>cr)eme",
+                                                          replacement, kCaseAndMarks));
     EXPECT_EQ(result, kDecomposed) << hex(replacement);
   }
 }
@@ -280,7 +296,8 @@ TEST(ReplacePreserving, FailedSearchGivesTheSubjectWhole) {
   re::regex custom(u"ignored", 0,
                    std::make_unique<ScriptedEngine>(std::vector<range>{{0, 1}, {2, 3}}, true));
   EXPECT_EQ(re::regex_replace_preserving(custom, u"abcdef", u"x"), u"abcdef");
-  re::regex ending(u"ignored", 0, std::make_unique<ScriptedEngine>(std::vector<range>{{0, 1}, {2, 3}}));
+  re::regex ending(u"ignored", 0,
+                   std::make_unique<ScriptedEngine>(std::vector<range>{{0, 1}, {2, 3}}));
   EXPECT_EQ(re::regex_replace_preserving(ending, u"abcdef", u"x"), u"xbxdef");
 }
 
@@ -292,13 +309,15 @@ TEST(ReplacePreserving, LaterOfTwoOverlappingMatchesIsNotReplaced) {
 TEST(ReplacePreserving, WithoutPreparationItIsICUsReplaceAll) {
   EXPECT_EQ(re::regex_replace_preserving(u"baaac", u"a*", u"X", 0), u"XbXXcX");
   EXPECT_EQ(re::regex_replace(u"baaac", u"a*", u"X", 0), u"XbXXcX");
-  EXPECT_EQ(re::regex_replace_preserving(u"Abc abc", u"(a)(b)", u"$2$1$12", re::constants::case_insensitive),
+  EXPECT_EQ(re::regex_replace_preserving(u"Abc abc", u"(a)(b)", u"$2$1$12",
+                                         re::constants::case_insensitive),
             u"bAA2c baa2c");
 }
 
 TEST(ReplacePreserving, RegexFormLeavesTheRegexPastItsLastMatch) {
   re::regex word(u"cr(\\w)", kCaseAndMarks);
-  EXPECT_EQ(re::regex_replace_preserving(word, kDecomposed, u"$1"), u"e\u0300me bru\u0302le\u0301e et e\u0300me");
+  EXPECT_EQ(re::regex_replace_preserving(word, kDecomposed, u"$1"),
+            u"e\u0300me bru\u0302le\u0301e et e\u0300me");
   EXPECT_EQ(word.match().start, npos);
   EXPECT_EQ(word.str(0, 5), u"Creme");
 }

@@ -22,7 +22,7 @@ using clock_type = std::chrono::steady_clock;
 // Patterns on which ICU 72 never returns for the subject "aac", and one that
 // takes exponential time on 30 x's.
 const std::vector<std::u16string> kHanging = {u"(a?)+?b", u"(?:a?)+?b", u"(a?)*?b",
-                                              u"(a|)+?b", u"(a*)+?b",  u"(a{0,2})*?b"};
+                                              u"(a|)+?b", u"(a*)+?b",   u"(a{0,2})*?b"};
 const std::u16string kHangingSubject = u"aac";
 const std::u16string kExponential = u"(x+x+)+y";
 const std::u16string kThirtyXs(30, u'x');
@@ -42,35 +42,45 @@ auto under_limit(Search search) {
 class HangingPattern : public testing::TestWithParam<std::u16string> {};
 
 INSTANTIATE_TEST_SUITE_P(TimeLimit, HangingPattern,
-                         testing::Values(u"(a?)+?b", u"(?:a?)+?b", u"(a?)*?b", u"(a|)+?b", u"(a*)+?b",
-                                         u"(a{0,2})*?b"));
+                         testing::Values(u"(a?)+?b", u"(?:a?)+?b", u"(a?)*?b", u"(a|)+?b",
+                                         u"(a*)+?b", u"(a{0,2})*?b"));
 
 TEST_P(HangingPattern, HandleSearchesGiveFalse) {
   re::matcher_ptr handle = re::createMatcher(GetParam(), 0);
   EXPECT_FALSE(under_limit([&] { return re::regex_search(handle, kHangingSubject, false); }));
   EXPECT_FALSE(under_limit([&] { return re::regex_search(handle, kHangingSubject, true); }));
-  EXPECT_FALSE(under_limit([&] { return re::regex_search(kHangingSubject.c_str(), GetParam().c_str(), false, 0); }));
+  EXPECT_FALSE(under_limit(
+      [&] { return re::regex_search(kHangingSubject.c_str(), GetParam().c_str(), false, 0); }));
   EXPECT_EQ(re::get_group(handle, 0), u"");
 }
 
 TEST_P(HangingPattern, HandleReplacementsGiveTheSubjectUnchanged) {
   re::matcher_ptr handle = re::createMatcher(GetParam(), 0);
-  EXPECT_EQ(under_limit([&] { return re::regex_replace(handle, kHangingSubject, u"x"); }), kHangingSubject);
-  EXPECT_EQ(under_limit([&] { return re::regex_replace_first(handle, kHangingSubject, u"x"); }), kHangingSubject);
+  EXPECT_EQ(under_limit([&] { return re::regex_replace(handle, kHangingSubject, u"x"); }),
+            kHangingSubject);
+  EXPECT_EQ(under_limit([&] { return re::regex_replace_first(handle, kHangingSubject, u"x"); }),
+            kHangingSubject);
   int calls = 0;
   EXPECT_EQ(under_limit([&] {
-              return re::regex_replace(handle, kHangingSubject,
-                                       [&](const std::u16string&, bool&) { ++calls; return u"x"; });
+              return re::regex_replace(handle, kHangingSubject, [&](const std::u16string&, bool&) {
+                ++calls;
+                return u"x";
+              });
+            }),
+            kHangingSubject);
+  EXPECT_EQ(under_limit([&] {
+              return re::regex_replace(handle, kHangingSubject, [&](const re::matcher_ptr&, bool&) {
+                ++calls;
+                return u"x";
+              });
             }),
             kHangingSubject);
   EXPECT_EQ(under_limit([&] {
               return re::regex_replace(handle, kHangingSubject,
-                                       [&](const re::matcher_ptr&, bool&) { ++calls; return u"x"; });
-            }),
-            kHangingSubject);
-  EXPECT_EQ(under_limit([&] {
-              return re::regex_replace(handle, kHangingSubject,
-                                       [&](const std::u16string&, re::ECallbackTermination&) { ++calls; return u"x"; });
+                                       [&](const std::u16string&, re::ECallbackTermination&) {
+                                         ++calls;
+                                         return u"x";
+                                       });
             }),
             kHangingSubject);
   EXPECT_EQ(calls, 0);
@@ -78,20 +88,29 @@ TEST_P(HangingPattern, HandleReplacementsGiveTheSubjectUnchanged) {
 
 TEST_P(HangingPattern, OneShotReplacementsGiveTheirFailureResult) {
   const std::u16string accented = u"aa\u00e9c";  // prepared with 0x4 into "aaec"
-  EXPECT_EQ(under_limit([&] { return re::regex_replace(kHangingSubject, GetParam(), u"x", 0); }), kHangingSubject);
-  EXPECT_EQ(under_limit([&] { return re::regex_replace(accented, GetParam(), u"x", 0x4); }), u"aaec");
-  EXPECT_EQ(under_limit([&] { return re::regex_replace_first(accented, GetParam(), u"x", 0x4); }), u"aaec");
+  EXPECT_EQ(under_limit([&] { return re::regex_replace(kHangingSubject, GetParam(), u"x", 0); }),
+            kHangingSubject);
+  EXPECT_EQ(under_limit([&] { return re::regex_replace(accented, GetParam(), u"x", 0x4); }),
+            u"aaec");
+  EXPECT_EQ(under_limit([&] { return re::regex_replace_first(accented, GetParam(), u"x", 0x4); }),
+            u"aaec");
   const std::string pattern8(GetParam().begin(), GetParam().end());  // ASCII
-  EXPECT_EQ(under_limit([&] { return re::regex_replace(std::string("aac"), pattern8, std::string("x"), 0); }),
+  EXPECT_EQ(under_limit([&] {
+              return re::regex_replace(std::string("aac"), pattern8, std::string("x"), 0);
+            }),
             "aac");
   EXPECT_EQ(under_limit([&] {
-              return re::regex_replace(kHangingSubject, GetParam(),
-                                       [](const std::u16string&, bool&) { return u"x"; }, 0);
+              return re::regex_replace(
+                  kHangingSubject, GetParam(), [](const std::u16string&, bool&) { return u"x"; },
+                  0);
             }),
             kHangingSubject);
-  EXPECT_EQ(under_limit([&] { return re::regex_replace_preserving(accented, GetParam(), u"x", 0x4); }), accented);
+  EXPECT_EQ(
+      under_limit([&] { return re::regex_replace_preserving(accented, GetParam(), u"x", 0x4); }),
+      accented);
   re::regex compiled(GetParam(), 0x4);
-  EXPECT_EQ(under_limit([&] { return re::regex_replace_preserving(compiled, accented, u"x"); }), accented);
+  EXPECT_EQ(under_limit([&] { return re::regex_replace_preserving(compiled, accented, u"x"); }),
+            accented);
 }
 
 TEST_P(HangingPattern, RegexWalksEnd) {
@@ -105,18 +124,27 @@ TEST_P(HangingPattern, RegexWalksEnd) {
   EXPECT_STREQ(step.error().what(), "Maximum allowed match time exceeded");
   EXPECT_EQ(under_limit([&] {
               std::size_t steps = 0;
-              for (re::regex_iterator it(kHangingSubject, compiled); it->start != npos; ++it) ++steps;
+              for (re::regex_iterator it(kHangingSubject, compiled); it->start != npos; ++it)
+                ++steps;
               return steps;
             }),
             0u);
   std::vector<re::match_tuple> out{{u"stale", {}}};
-  under_limit([&] { re::regex_search(kHangingSubject, GetParam(), out, 0); return 0; });
+  under_limit([&] {
+    re::regex_search(kHangingSubject, GetParam(), out, 0);
+    return 0;
+  });
   EXPECT_TRUE(out.empty());
-  under_limit([&] { re::regex_search(compiled, kHangingSubject, out); return 0; });
+  under_limit([&] {
+    re::regex_search(compiled, kHangingSubject, out);
+    return 0;
+  });
   EXPECT_TRUE(out.empty());
-  EXPECT_EQ(under_limit([&] { return re::regex_search_prefix_suffix(kHangingSubject, GetParam(), 0); }),
-            std::make_pair(std::u16string(), kHangingSubject));
-  EXPECT_TRUE(under_limit([&] { return re::regex_find_all(kHangingSubject, GetParam(), 0); }).empty());
+  EXPECT_EQ(
+      under_limit([&] { return re::regex_search_prefix_suffix(kHangingSubject, GetParam(), 0); }),
+      std::make_pair(std::u16string(), kHangingSubject));
+  EXPECT_TRUE(
+      under_limit([&] { return re::regex_find_all(kHangingSubject, GetParam(), 0); }).empty());
   EXPECT_TRUE(under_limit([&] { return re::regex_find_all(compiled, kHangingSubject); }).empty());
 }
 
@@ -143,9 +171,12 @@ TEST_P(HangingPattern, AStopAfterSomeMatchesStillFailsTheWholeReplacement) {
   EXPECT_EQ(under_limit([&] { return re::regex_replace(handle, subject, u"x"); }), subject);
   EXPECT_EQ(under_limit([&] { return re::regex_replace(subject, GetParam(), u"x", 0); }), subject);
   const std::string pattern8(GetParam().begin(), GetParam().end());
-  EXPECT_EQ(under_limit([&] { return re::regex_replace(std::string("ab aac"), pattern8, std::string("x"), 0); }),
+  EXPECT_EQ(under_limit([&] {
+              return re::regex_replace(std::string("ab aac"), pattern8, std::string("x"), 0);
+            }),
             "ab aac");
-  EXPECT_EQ(under_limit([&] { return re::regex_replace_preserving(subject, GetParam(), u"x", 0); }), subject);
+  EXPECT_EQ(under_limit([&] { return re::regex_replace_preserving(subject, GetParam(), u"x", 0); }),
+            subject);
   re::detail::regex_impl_icu engine;
   engine.init(GetParam(), 0);
   const auto replaced = under_limit([&] { return engine.replace_ex(subject, u"x"); });
@@ -158,7 +189,8 @@ TEST_P(HangingPattern, AStopAfterSomeMatchesStillFailsTheWholeReplacement) {
 TEST(TimeLimit, ExponentialPatternStops) {
   re::matcher_ptr handle = re::createMatcher(kExponential, 0);
   EXPECT_FALSE(under_limit([&] { return re::regex_search(handle, kThirtyXs, false); }));
-  EXPECT_EQ(under_limit([&] { return re::regex_replace(kThirtyXs, kExponential, u"y", 0); }), kThirtyXs);
+  EXPECT_EQ(under_limit([&] { return re::regex_replace(kThirtyXs, kExponential, u"y", 0); }),
+            kThirtyXs);
 }
 
 TEST(TimeLimit, SearchesWithinTheLimitAreUnaffected) {
@@ -246,11 +278,12 @@ TEST(TimeLimit, CallbackTimeCountsButACallbackIsNeverInterrupted) {
   re::matcher_ptr handle = re::createMatcher(u"b", 0);
   re::match_time_limit limit(milliseconds(50));
   int calls = 0;
-  const std::u16string result = re::regex_replace(handle, u"abcb", [&](const std::u16string&, bool&) {
-    ++calls;
-    std::this_thread::sleep_for(milliseconds(80));  // runs to its end
-    return std::u16string(u"x");
-  });
+  const std::u16string result =
+      re::regex_replace(handle, u"abcb", [&](const std::u16string&, bool&) {
+        ++calls;
+        std::this_thread::sleep_for(milliseconds(80));  // runs to its end
+        return std::u16string(u"x");
+      });
   EXPECT_EQ(calls, 1);  // the next search started after the deadline
   EXPECT_EQ(result, u"abcb");
   EXPECT_TRUE(limit.exceeded());

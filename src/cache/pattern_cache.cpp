@@ -77,7 +77,8 @@ shared_pattern compiled_pattern(const icu::UnicodeString& pattern, std::uint32_t
     if (shared_pattern found = cache.find(pattern, flags)) return found;
   }
   UParseError ignored{};
-  shared_pattern compiled(icu::RegexPattern::compile(pattern, flags, where != nullptr ? *where : ignored, status));
+  shared_pattern compiled(
+      icu::RegexPattern::compile(pattern, flags, where != nullptr ? *where : ignored, status));
   if (U_FAILURE(status)) return nullptr;
   cache.keep(pattern, flags, compiled);
   return compiled;

@@ -12,7 +12,8 @@ namespace scl::regex::detail {
 
 cached_icu_engine::~cached_icu_engine() = default;
 
-void cached_icu_engine::compile(std::u16string_view pattern, constants::syntax_option_type options) {
+void cached_icu_engine::compile(std::u16string_view pattern,
+                                constants::syntax_option_type options) {
   stored_.assign(pattern);
   matcher_.reset();
   compiled_.reset();
@@ -35,11 +36,13 @@ void cached_icu_engine::init(const char16_t* first, const char16_t* last,
   compile(std::u16string_view(first, static_cast<std::size_t>(last - first)), options);
 }
 
-void cached_icu_engine::init(const std::u16string_view& pattern, constants::syntax_option_type options) {
+void cached_icu_engine::init(const std::u16string_view& pattern,
+                             constants::syntax_option_type options) {
   compile(pattern, options);
 }
 
-void cached_icu_engine::reset(const std::u16string& subject, constants::syntax_option_type options) {
+void cached_icu_engine::reset(const std::u16string& subject,
+                              constants::syntax_option_type options) {
   set_engine_subject(matcher_.get(), subject_, stored_, subject, options);
 }
 
@@ -49,7 +52,8 @@ void cached_icu_engine::reset(const char16_t* first, const char16_t* last,
                      std::u16string_view(first, static_cast<std::size_t>(last - first)), options);
 }
 
-void cached_icu_engine::reset(const std::u16string_view& subject, constants::syntax_option_type options) {
+void cached_icu_engine::reset(const std::u16string_view& subject,
+                              constants::syntax_option_type options) {
   set_engine_subject(matcher_.get(), subject_, stored_, subject, options);
 }
 

@@ -24,16 +24,19 @@ class cached_icu_engine final : public regex_impl_abstract {
 
   // Throws regex_exception, as createMatcher does, if ICU rejects the pattern.
   void init(const std::u16string& pattern, constants::syntax_option_type options) override;
-  void init(const char16_t* first, const char16_t* last, constants::syntax_option_type options) override;
+  void init(const char16_t* first, const char16_t* last,
+            constants::syntax_option_type options) override;
   void init(const std::u16string_view& pattern, constants::syntax_option_type options) override;
   const std::u16string& getPattern() const override { return stored_; }
   void reset(const std::u16string& subject, constants::syntax_option_type options) override;
-  void reset(const char16_t* first, const char16_t* last, constants::syntax_option_type options) override;
+  void reset(const char16_t* first, const char16_t* last,
+             constants::syntax_option_type options) override;
   void reset(const std::u16string_view& subject, constants::syntax_option_type options) override;
   std::u16string str(std::size_t start, std::size_t length) const override;
   regex_result match(std::uint32_t match_flags) override;
   void getGroups(std::vector<group_result>& groups) const override;
-  std::u16string replace(const std::u16string& subject_text, const std::u16string& replacement) override;
+  std::u16string replace(const std::u16string& subject_text,
+                         const std::u16string& replacement) override;
   expected_result<std::u16string> replace_ex(const std::u16string& subject_text,
                                              const std::u16string& replacement) override;
   std::u16string getGroupReference(const std::u16string& name) const override;

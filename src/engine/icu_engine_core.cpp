@@ -24,13 +24,13 @@ bool find_next(icu::RegexMatcher& matcher, std::uint32_t match_flags, UErrorCode
   check_deadline(status);
   const bool found = matcher.find(status);
   status = search_status(status);
-  if (status != U_REGEX_STACK_OVERFLOW ||
-      (match_flags & constants::retry_on_stack_overflow) == 0) {
+  if (status != U_REGEX_STACK_OVERFLOW || (match_flags & constants::retry_on_stack_overflow) == 0) {
     return found;
   }
   // Doubling is cut to 32 bits; past INT32_MAX the limit turns negative and
   // ICU refuses it, which ends the retry.
-  const auto doubled = static_cast<std::int32_t>(static_cast<std::uint32_t>(matcher.getStackLimit()) * 2u);
+  const auto doubled =
+      static_cast<std::int32_t>(static_cast<std::uint32_t>(matcher.getStackLimit()) * 2u);
   UErrorCode limit_status = U_ZERO_ERROR;
   matcher.setStackLimit(doubled, limit_status);
   if (U_FAILURE(limit_status)) return found;
@@ -69,7 +69,8 @@ std::u16string engine_subject_piece(const icu::UnicodeString& subject, std::size
   count = count < 0 ? 0 : (count > size - from ? size - from : count);
   const char16_t* units = subject.getBuffer();
   if (units == nullptr) throw std::logic_error("basic_string: construction from null is not valid");
-  return std::u16string(units + from, units_before_nul(units + from, static_cast<std::size_t>(count)));
+  return std::u16string(units + from,
+                        units_before_nul(units + from, static_cast<std::size_t>(count)));
 }
 
 regex_result engine_match(icu::RegexMatcher* m, std::uint32_t match_flags,
@@ -144,8 +145,8 @@ expected_result<std::u16string> engine_replace_all(regex_impl_abstract& engine,
 int engine_group_number(const icu::RegexMatcher* m, const std::string& name) {
   if (m == nullptr || name.empty()) return -1;
   UErrorCode status = U_ZERO_ERROR;
-  const int32_t number = m->pattern().groupNumberFromName(
-      name.data(), static_cast<int32_t>(name.size()), status);
+  const int32_t number =
+      m->pattern().groupNumberFromName(name.data(), static_cast<int32_t>(name.size()), status);
   if (U_SUCCESS(status)) return number;
   return group_number_from_digits(name);
 }

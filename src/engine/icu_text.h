@@ -82,7 +82,8 @@ inline icu::UnicodeString icu_until_nul(const std::u16string& text) {
 // ICU cannot give a terminated buffer (it could not allocate one).
 inline std::u16string text_until_nul(icu::UnicodeString& text) {
   const char16_t* buffer = text.getTerminatedBuffer();
-  if (buffer == nullptr) throw std::logic_error("basic_string: construction from null is not valid");
+  if (buffer == nullptr)
+    throw std::logic_error("basic_string: construction from null is not valid");
   return std::u16string(buffer);
 }
 

@@ -21,10 +21,14 @@ std::size_t show(UChar32 c, std::u16string& shown) {
     return std::char_traits<char>::length(text);
   };
   switch (c) {
-    case u'\n': return escape("\\n");
-    case u'\r': return escape("\\r");
-    case u'\t': return escape("\\t");
-    default: break;
+    case u'\n':
+      return escape("\\n");
+    case u'\r':
+      return escape("\\r");
+    case u'\t':
+      return escape("\\t");
+    default:
+      break;
   }
   const auto type = static_cast<UCharCategory>(u_charType(c));
   if (type == U_CONTROL_CHAR || type == U_FORMAT_CHAR || type == U_SURROGATE ||

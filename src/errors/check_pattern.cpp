@@ -25,8 +25,8 @@ std::optional<pattern_error> check_pattern(const std::u16string& pattern,
   where.offset = -1;
   UErrorCode status = U_ZERO_ERROR;
   // The whole prepared pattern, embedded U+0000 units included, as createMatcher compiles it.
-  if (detail::compiled_pattern(detail::icu_whole(prepared.text()), detail::icu_flags(options), status,
-                               &where) != nullptr) {
+  if (detail::compiled_pattern(detail::icu_whole(prepared.text()), detail::icu_flags(options),
+                               status, &where) != nullptr) {
     return std::nullopt;
   }
 

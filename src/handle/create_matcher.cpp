@@ -20,8 +20,9 @@ matcher_ptr compile(const std::u16string& pattern, constants::syntax_option_type
   status = U_ZERO_ERROR;
   const std::u16string prepared = prepare_text(pattern, options);
   // Embedded U+0000 units stay part of the pattern.
-  return matcher_ptr(detail::new_matcher(detail::icu_whole(prepared), detail::icu_flags(options), status),
-                     detail::matcher_destroyer{options});
+  return matcher_ptr(
+      detail::new_matcher(detail::icu_whole(prepared), detail::icu_flags(options), status),
+      detail::matcher_destroyer{options});
 }
 
 }  // namespace

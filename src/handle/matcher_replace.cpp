@@ -29,7 +29,8 @@ std::u16string replace_on_handle(const matcher_ptr& handle, const std::u16string
                                  Replace&& replace) {
   icu::RegexMatcher* matcher = detail::icu_matcher(handle);
   if (matcher == nullptr) return {};
-  detail::reset_onto(*matcher, detail::handle_slot(*matcher), subject.data(), static_cast<int32_t>(subject.size()));
+  detail::reset_onto(*matcher, detail::handle_slot(*matcher), subject.data(),
+                     static_cast<int32_t>(subject.size()));
   icu::UnicodeString output;
   const bool succeeded = replace(output, *matcher);
   return result_or_subject(succeeded, output, subject);
@@ -86,7 +87,8 @@ std::u16string regex_replace(const std::u16string& subject, const std::u16string
   const detail::shared_pattern compiled =
       detail::compiled_pattern(icu_pattern, detail::icu_flags(options), status);
   if (compiled == nullptr) return subject;
-  const std::unique_ptr<icu::RegexMatcher> matcher = detail::new_matcher_of(*compiled, &input, status);
+  const std::unique_ptr<icu::RegexMatcher> matcher =
+      detail::new_matcher_of(*compiled, &input, status);
   if (matcher == nullptr) return subject;
   icu::UnicodeString output;
   const bool succeeded = detail::replace_loop_text(output, *matcher, callback);

@@ -23,8 +23,8 @@ bool search_in_slot(icu::RegexMatcher& matcher, icu::UnicodeString& slot,
                     constants::syntax_option_type options) {
   if ((options & (constants::normalize_nfc | constants::ignore_diacritics)) == 0) {
     detail::reset_onto_until_nul(matcher, slot, subject);
-  } else if (const int32_t length = detail::length_until_nul(subject);
-             detail::preparation_keeps(subject.c_str(), static_cast<std::size_t>(length), options)) {
+  } else if (const int32_t length = detail::length_until_nul(subject); detail::preparation_keeps(
+                 subject.c_str(), static_cast<std::size_t>(length), options)) {
     detail::reset_onto(matcher, slot, subject.c_str(), length);
   } else {
     const std::u16string prepared = prepare_text(subject, options);
@@ -57,7 +57,8 @@ bool regex_search(const char16_t* subject, const char16_t* pattern, bool whole,
       detail::compiled_pattern(detail::icu_whole(prepared), detail::icu_flags(options), status);
   if (compiled == nullptr) throw regex_exception(status);
   icu::UnicodeString slot;  // outlives the matcher, which refers to it
-  const std::unique_ptr<icu::RegexMatcher> matcher = detail::new_matcher_of(*compiled, nullptr, status);
+  const std::unique_ptr<icu::RegexMatcher> matcher =
+      detail::new_matcher_of(*compiled, nullptr, status);
   if (matcher == nullptr) return false;
   return search_in_slot(*matcher, slot, std::u16string(subject), whole, options);
 }

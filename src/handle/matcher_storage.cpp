@@ -52,7 +52,9 @@ void delete_matcher(icu::RegexMatcher* matcher) noexcept {
   icu::UMemory::operator delete(storage);
 }
 
-icu::UnicodeString& handle_slot(icu::RegexMatcher& matcher) noexcept { return subject_slot(matcher); }
+icu::UnicodeString& handle_slot(icu::RegexMatcher& matcher) noexcept {
+  return subject_slot(matcher);
+}
 
 void reset_onto(icu::RegexMatcher& matcher, icu::UnicodeString& slot, const char16_t* text,
                 int32_t length) {
@@ -65,7 +67,8 @@ void reset_onto_until_nul(icu::RegexMatcher& matcher, icu::UnicodeString& slot,
   const auto capacity = static_cast<int32_t>(text.size());
   char16_t* buffer = slot.getBuffer(capacity);
   if (buffer == nullptr) throw std::bad_alloc();
-  const std::size_t copied = copy_until_nul(buffer, text.data(), static_cast<std::size_t>(capacity));
+  const std::size_t copied =
+      copy_until_nul(buffer, text.data(), static_cast<std::size_t>(capacity));
   slot.releaseBuffer(static_cast<int32_t>(copied));
   matcher.reset(slot);
 }

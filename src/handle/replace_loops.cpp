@@ -79,11 +79,10 @@ bool replace_first_on_matcher(icu::UnicodeString& output, const icu::UnicodeStri
 
 bool replace_loop_text(icu::UnicodeString& output, icu::RegexMatcher& matcher,
                        const text_callback& callback) {
-  return replace_loop(output, matcher, true, true,
-                      [&](const std::u16string& matched, bool& go_on) {
-                        require(callback);
-                        return callback(matched, go_on);
-                      });
+  return replace_loop(output, matcher, true, true, [&](const std::u16string& matched, bool& go_on) {
+    require(callback);
+    return callback(matched, go_on);
+  });
 }
 
 bool replace_loop_handle(icu::UnicodeString& output, const matcher_ptr& handle,

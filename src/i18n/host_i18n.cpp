@@ -25,13 +25,12 @@ std::string encode_utf8(const char16_t* text, int32_t length) {
   std::string out;
   UErrorCode status = U_ZERO_ERROR;
   int32_t needed = 0;
-  u_strToUTF8WithSub(nullptr, 0, &needed, text, length, kReplacementCharacter, nullptr,
-                     &status);
+  u_strToUTF8WithSub(nullptr, 0, &needed, text, length, kReplacementCharacter, nullptr, &status);
   if (status != U_BUFFER_OVERFLOW_ERROR && U_FAILURE(status)) return out;
   out.resize(static_cast<std::size_t>(needed));
   status = U_ZERO_ERROR;
-  u_strToUTF8WithSub(out.data(), needed, nullptr, text, length, kReplacementCharacter,
-                     nullptr, &status);
+  u_strToUTF8WithSub(out.data(), needed, nullptr, text, length, kReplacementCharacter, nullptr,
+                     &status);
   if (U_FAILURE(status)) out.clear();
   return out;
 }
@@ -46,8 +45,7 @@ std::size_t to_nfc(char16_t* output, std::size_t capacity, const char16_t* input
     // A capacity beyond ICU's range only means less is written; the needed
     // length is reported either way.
     const auto room = static_cast<int32_t>(std::min<std::size_t>(capacity, INT32_MAX));
-    const int32_t needed =
-        unorm2_normalize(nfc, input, icu_length(length), output, room, &status);
+    const int32_t needed = unorm2_normalize(nfc, input, icu_length(length), output, room, &status);
     if (U_SUCCESS(status) || status == U_BUFFER_OVERFLOW_ERROR) {
       return static_cast<std::size_t>(needed);
     }

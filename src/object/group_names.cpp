@@ -20,8 +20,7 @@ std::vector<std::string> regex::getGroupNamesIfAvailable() const {
   // Each thread makes its finder once, from the cached pattern, and resets it
   // onto every text it scans; nothing it runs can call back into here.
   thread_local regex finder = detail::one_call_regex(name_finder, 0);
-  for (regex_iterator it(text, finder); it->start != npos || it->end != npos;
-       ++it) {
+  for (regex_iterator it(text, finder); it->start != npos || it->end != npos; ++it) {
     if (it->groups.size() >= 2) names.push_back(detail::i18n::to_string(it->groups[1].str()));
   }
   return names;

@@ -22,7 +22,8 @@ std::pair<const char16_t*, const char16_t*> pointers(std::u16string::const_itera
 // ICU engine when the caller gave none, and sets the options and match flags.
 void take_engine(std::unique_ptr<regex_impl_abstract>& held,
                  constants::syntax_option_type& held_options, std::uint32_t& match_flags,
-                 std::unique_ptr<regex_impl_abstract> given, constants::syntax_option_type options) {
+                 std::unique_ptr<regex_impl_abstract> given,
+                 constants::syntax_option_type options) {
   held = std::move(given);
   held_options = options;
   match_flags = 0;
@@ -73,7 +74,6 @@ void regex::init(const std::u16string_view& pattern, constants::syntax_option_ty
   take_engine(impl_, options_, match_flags_, std::move(impl), options);
   impl_->init(pattern, options_);
 }
-
 
 void regex::reset(const std::u16string& subject) {
   if (impl_) impl_->reset(subject, options_);

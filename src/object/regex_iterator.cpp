@@ -3,7 +3,6 @@
 namespace scl::regex {
 namespace {
 
-
 regex_result end_of_sequence() { return regex_result(npos, npos, nullptr); }
 
 }  // namespace

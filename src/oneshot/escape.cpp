@@ -13,9 +13,23 @@ namespace {
 // only characters of the BMP, so looking at single code units is enough).
 bool needs_backslash(char16_t unit) {
   switch (unit) {
-    case u'-': case u'[': case u']': case u'{': case u'}': case u'(': case u')':
-    case u'*': case u'+': case u'?': case u'.': case u',': case u'\\': case u'^':
-    case u'$': case u'|': case u'#':
+    case u'-':
+    case u'[':
+    case u']':
+    case u'{':
+    case u'}':
+    case u'(':
+    case u')':
+    case u'*':
+    case u'+':
+    case u'?':
+    case u'.':
+    case u',':
+    case u'\\':
+    case u'^':
+    case u'$':
+    case u'|':
+    case u'#':
       return true;
     default:
       return unit >= 0x09 && u_isUWhiteSpace(unit);

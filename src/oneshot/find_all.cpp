@@ -9,13 +9,13 @@ namespace scl::regex {
 std::vector<source_match> regex_find_all(regex& re, const std::u16string& subject) {
   const detail::source_locator locator(subject, re.options(), re.getGroupsCount());
   std::vector<source_match> matches;
-  detail::walk_matches(re, subject, [&](const regex_result& match) {
-    matches.push_back(locator.locate(match));
-  });
+  detail::walk_matches(
+      re, subject, [&](const regex_result& match) { matches.push_back(locator.locate(match)); });
   return matches;
 }
 
-std::vector<source_match> regex_find_all(const std::u16string& subject, const std::u16string& pattern,
+std::vector<source_match> regex_find_all(const std::u16string& subject,
+                                         const std::u16string& pattern,
                                          constants::syntax_option_type options) {
   regex re = detail::one_call_regex(pattern, options);
   return regex_find_all(re, subject);

@@ -42,10 +42,10 @@ std::string regex_replace(const std::string& subject, const std::string& pattern
                           const std::string& replacement, constants::syntax_option_type options) {
   // Pattern and replacement are decoded exactly as the subject is: as UTF-8,
   // whatever the process locale, up to their first zero byte.
-  return detail::replace_all_utf8(
-      subject, detail::icu_until_nul(detail::i18n::utf8_to_ustring(pattern)),
-      detail::icu_until_nul(detail::i18n::utf8_to_ustring(replacement)),
-      detail::icu_flags(options));
+  return detail::replace_all_utf8(subject,
+                                  detail::icu_until_nul(detail::i18n::utf8_to_ustring(pattern)),
+                                  detail::icu_until_nul(detail::i18n::utf8_to_ustring(replacement)),
+                                  detail::icu_flags(options));
 }
 
 }  // namespace scl::regex

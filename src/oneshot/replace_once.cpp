@@ -14,8 +14,8 @@ namespace {
 
 // Runs `replace` over `input`; false if the pattern does not compile or ICU fails.
 bool replace_in(const icu::UnicodeString& input, const icu::UnicodeString& pattern,
-                const icu::UnicodeString& replacement, std::uint32_t flags,
-                replace_member replace, icu::UnicodeString& output) {
+                const icu::UnicodeString& replacement, std::uint32_t flags, replace_member replace,
+                icu::UnicodeString& output) {
   UErrorCode status = U_ZERO_ERROR;
   const shared_pattern compiled = compiled_pattern(pattern, flags, status);
   if (compiled == nullptr) return false;

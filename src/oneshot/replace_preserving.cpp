@@ -63,7 +63,8 @@ std::u16string regex_replace_preserving(regex& re, const std::u16string& subject
   return result;
 }
 
-std::u16string regex_replace_preserving(const std::u16string& subject, const std::u16string& pattern,
+std::u16string regex_replace_preserving(const std::u16string& subject,
+                                        const std::u16string& pattern,
                                         const std::u16string& replacement,
                                         constants::syntax_option_type options) {
   std::optional<regex> re;

@@ -5,8 +5,8 @@
 
 namespace scl::regex::detail {
 
-source_locator::source_locator(const std::u16string& subject,
-                               constants::syntax_option_type options, int group_count)
+source_locator::source_locator(const std::u16string& subject, constants::syntax_option_type options,
+                               int group_count)
     : mapped_(prepare_text_mapped(subject, options)),
       groups_(static_cast<std::size_t>(std::max(group_count, 0)) + 1) {}
 

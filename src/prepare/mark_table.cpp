@@ -12,8 +12,7 @@ namespace {
 // decompose, and characters that NFC may combine with what precedes them.
 // Every other character has no decomposition, is no mark and starts at an NFC
 // boundary, so it stays whatever surrounds it.
-constexpr const char16_t* kCandidates =
-    u"[[:Mn:][:NFD_QC=N:][:NFC_QC=N:][:NFC_QC=M:][:^ccc=0:]]";
+constexpr const char16_t* kCandidates = u"[[:Mn:][:NFD_QC=N:][:NFC_QC=N:][:NFC_QC=M:][:^ccc=0:]]";
 
 // Results longer than this, or beyond the pool's reach, are left to ICU.
 constexpr int32_t kMaxReplacementLength = 7;
@@ -56,8 +55,8 @@ mark_table::mark_table() {
     if (result.length() > kMaxReplacementLength || pool_.size() + text.size() > kMaxPoolSize) {
       return kCompose;
     }
-    const auto entry =
-        static_cast<std::uint16_t>(((pool_.size() + 1) << 3) | static_cast<std::size_t>(text.size()));
+    const auto entry = static_cast<std::uint16_t>(((pool_.size() + 1) << 3) |
+                                                  static_cast<std::size_t>(text.size()));
     pool_ += text;
     pooled.emplace(text, entry);
     return entry;

@@ -25,10 +25,10 @@ namespace scl::regex::detail {
 // A character's entry. Anything from kFirstReplacement up names its result
 // in the table's pool.
 enum : std::uint16_t {
-  kKeep = 0,    // stays as it is and starts at an NFC boundary
-  kRemove = 1,  // every part of it is a non-spacing mark: it disappears
-  kCompose = 2, // may combine with what precedes it: ICU's normalisers decide
-  kLone = 3,    // an unpaired surrogate: stays, but see strip_diacritics
+  kKeep = 0,     // stays as it is and starts at an NFC boundary
+  kRemove = 1,   // every part of it is a non-spacing mark: it disappears
+  kCompose = 2,  // may combine with what precedes it: ICU's normalisers decide
+  kLone = 3,     // an unpaired surrogate: stays, but see strip_diacritics
   kFirstReplacement = 8,
 };
 
@@ -85,8 +85,8 @@ class mark_table {
 
   const icu::Normalizer2* nfd_ = nullptr;
   const icu::Normalizer2* nfc_ = nullptr;
-  icu::UnicodeSet marks_;  // general category Mn, frozen
-  std::u16string pool_;    // the results of the replacements, back to back
+  icu::UnicodeSet marks_;               // general category Mn, frozen
+  std::u16string pool_;                 // the results of the replacements, back to back
   std::vector<char16_t> single_units_;  // single_unit() of every BMP unit
   icu::LocalUCPTriePointer trie_;
 };

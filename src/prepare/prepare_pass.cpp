@@ -119,7 +119,8 @@ void append_without_marks(const mark_table& table, std::u16string& out, const ch
 // character disappears (it then stays with the piece before it).
 template <class Map, class Prepare, class Removed>
 void map_stretch_pieces(Map& map, const char16_t* source, std::size_t begin, std::size_t end,
-                        const std::u16string& out, std::size_t at, Prepare prepare, Removed removed) {
+                        const std::u16string& out, std::size_t at, Prepare prepare,
+                        Removed removed) {
   if constexpr (Map::records) {
     const std::size_t produced = out.size() - at;
     if (produced == end - begin && out.compare(at, produced, source + begin, produced) == 0) {
@@ -156,15 +157,16 @@ void map_stretch_pieces(Map& map, const char16_t* source, std::size_t begin, std
     }
     if (piece_at < out.size()) map.piece(piece_at, piece_begin);
   } else {
-    (void)map, (void)source, (void)begin, (void)end, (void)out, (void)at, (void)prepare, (void)removed;
+    (void)map, (void)source, (void)begin, (void)end, (void)out, (void)at, (void)prepare,
+        (void)removed;
   }
 }
 
 // NFC alone: what the quick check passes is copied, the rest is normalised; for
 // a map, one stretch between NFC boundaries at a time.
 template <class Map>
-void nfc_pass(const mark_table& table, const char16_t* text, std::size_t length, std::u16string& out,
-              Map& map) {
+void nfc_pass(const mark_table& table, const char16_t* text, std::size_t length,
+              std::u16string& out, Map& map) {
   const auto nfc = [](std::u16string& to, const char16_t* from, std::size_t size) {
     append_nfc(to, from, size);
   };
@@ -452,8 +454,9 @@ void prepare_pass(const char16_t* text, std::size_t length, constants::syntax_op
 
 template void prepare_pass<no_map>(const char16_t*, std::size_t, constants::syntax_option_type,
                                    std::u16string&, no_map&);
-template void prepare_pass<map_recorder>(const char16_t*, std::size_t, constants::syntax_option_type,
-                                         std::u16string&, map_recorder&);
+template void prepare_pass<map_recorder>(const char16_t*, std::size_t,
+                                         constants::syntax_option_type, std::u16string&,
+                                         map_recorder&);
 
 bool preparation_keeps(const char16_t* text, std::size_t length,
                        constants::syntax_option_type options) {

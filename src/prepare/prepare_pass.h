@@ -54,8 +54,8 @@ template <class Map>
 void prepare_pass(const char16_t* text, std::size_t length, constants::syntax_option_type options,
                   std::u16string& out, Map& map);
 
-extern template void prepare_pass<no_map>(const char16_t*, std::size_t, constants::syntax_option_type,
-                                          std::u16string&, no_map&);
+extern template void prepare_pass<no_map>(const char16_t*, std::size_t,
+                                          constants::syntax_option_type, std::u16string&, no_map&);
 extern template void prepare_pass<map_recorder>(const char16_t*, std::size_t,
                                                 constants::syntax_option_type, std::u16string&,
                                                 map_recorder&);

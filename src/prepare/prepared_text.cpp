@@ -18,8 +18,8 @@ struct prepared_text_builder {
     prepared_text result;
     // Removing diacritics reads the source up to its first U+0000, unless ICU
     // gives no means to remove them; then the source passes whole.
-    const bool up_to_nul = (options & constants::ignore_diacritics) != 0 &&
-                           mark_table::instance().ready();
+    const bool up_to_nul =
+        (options & constants::ignore_diacritics) != 0 && mark_table::instance().ready();
     result.source_size_ =
         up_to_nul ? units_before_nul(source.data(), source.size()) : source.size();
     result.text_.reserve(result.source_size_);
@@ -52,9 +52,10 @@ std::pair<std::size_t, std::size_t> prepared_text::source_range(std::size_t star
 
 std::vector<detail::map_stretch>::const_iterator prepared_text::stretch_of(std::size_t unit) const {
   // The last stretch that starts at or before `unit`; the first starts at 0.
-  const auto after = std::upper_bound(
-      map_.begin(), map_.end(), unit,
-      [](std::size_t position, const detail::map_stretch& stretch) { return position < stretch.prepared; });
+  const auto after = std::upper_bound(map_.begin(), map_.end(), unit,
+                                      [](std::size_t position, const detail::map_stretch& stretch) {
+                                        return position < stretch.prepared;
+                                      });
   return after - 1;
 }
 
@@ -78,7 +79,8 @@ std::size_t prepared_text::piece_end(std::size_t unit) const {
   return stretch->source + offset;
 }
 
-prepared_text prepare_text_mapped(const std::u16string& text, constants::syntax_option_type options) {
+prepared_text prepare_text_mapped(const std::u16string& text,
+                                  constants::syntax_option_type options) {
   return detail::prepared_text_builder::make(text, options);
 }
 

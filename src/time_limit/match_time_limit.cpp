@@ -38,7 +38,8 @@ struct time_limit_chain {
   static void enter(match_time_limit& limit, std::chrono::milliseconds length) noexcept {
     const clock::time_point now = clock::now();
     // Saturates instead of overflowing the clock's representation.
-    const auto room = std::chrono::duration_cast<std::chrono::milliseconds>(clock::time_point::max() - now);
+    const auto room =
+        std::chrono::duration_cast<std::chrono::milliseconds>(clock::time_point::max() - now);
     if (length <= std::chrono::milliseconds::zero()) {
       limit.deadline_ = now;
     } else if (length >= room) {

@@ -67,6 +67,7 @@ endif()
 
 # Unpacked together, they serve a consumer.
 set(root ${WORK_DIR}/root)
+file(MAKE_DIRECTORY ${root})
 run(dpkg-deb -x ${runtime_deb} ${root})
 run(dpkg-deb -x ${dev_deb} ${root})
 run(${CMAKE_COMMAND} -S ${CONSUMER_DIR} -B ${WORK_DIR}/consumer -DCMAKE_PREFIX_PATH=${root}/usr

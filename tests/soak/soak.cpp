@@ -46,11 +46,13 @@ std::size_t operation(long step) {
              re::regex_find_all(subject, pattern, 0x5).size();
     }
     case 14: {
-      const std::optional<re::pattern_error> error = re::check_pattern(step % 2 == 0 ? u"(a" : u"a+", 0);
+      const std::optional<re::pattern_error> error =
+          re::check_pattern(step % 2 == 0 ? u"(a" : u"a+", 0);
       return error ? error->description.size() : 0;
     }
     case 0: {
-      const re::matcher_ptr handle = re::createMatcher(u"(\\w+)=(\\w)", re::constants::case_insensitive);
+      const re::matcher_ptr handle =
+          re::createMatcher(u"(\\w+)=(\\w)", re::constants::case_insensitive);
       return re::regex_search(handle, subject, false) + re::get_group(handle, 2).size();
     }
     case 1: {
@@ -60,10 +62,12 @@ std::size_t operation(long step) {
     }
     case 2: {
       const re::matcher_ptr handle = re::createMatcher(u"\\w+", 0);
-      return re::regex_replace(handle, subject, [](const std::u16string& m, re::ECallbackTermination& how) {
-               how = m.size() > 4 ? re::eStop : re::eContinue;
-               return u"[" + m + u"]";
-             }).size();
+      return re::regex_replace(handle, subject,
+                               [](const std::u16string& m, re::ECallbackTermination& how) {
+                                 how = m.size() > 4 ? re::eStop : re::eContinue;
+                                 return u"[" + m + u"]";
+                               })
+          .size();
     }
     case 3:
       return re::regex_replace(subject, u"cafe", u"tea", 0x5).size();

@@ -25,7 +25,8 @@ inline std::string broken_map_rule(const std::u16string& source, std::uint32_t o
   const std::u16string& text = mapped.text();
   const std::size_t size = text.size();
   const bool marks = (options & re::constants::ignore_diacritics) != 0;
-  const bool changes = (options & (re::constants::normalize_nfc | re::constants::ignore_diacritics)) != 0;
+  const bool changes =
+      (options & (re::constants::normalize_nfc | re::constants::ignore_diacritics)) != 0;
 
   // 1. The text is exactly prepare_text's.
   if (text != re::prepare_text(source, options)) return "1: text() differs from prepare_text";
@@ -71,12 +72,15 @@ inline std::string broken_map_rule(const std::u16string& source, std::uint32_t o
       // 3. Result bounds.
       if (!(first <= second && second <= read)) return "3: result out of bounds";
       // 5. Monotone: the start of the result in `start`, its end in `end`.
-      if (end > start && mapped.source_range(start, end - 1).second > second) return "5: not monotone in end";
-      if (start > 0 && mapped.source_range(start - 1, end).first > first) return "5: not monotone in start";
+      if (end > start && mapped.source_range(start, end - 1).second > second)
+        return "5: not monotone in end";
+      if (start > 0 && mapped.source_range(start - 1, end).first > first)
+        return "5: not monotone in start";
       // 7. Non-empty ranges run from the piece of `start` to the piece of `end - 1`;
       //    empty ones sit at the start of the piece of `p`, or at the end.
       if (end > start) {
-        if (first != unit_pieces[start].first || second != unit_pieces[end - 1].second) return "7: range is not its pieces";
+        if (first != unit_pieces[start].first || second != unit_pieces[end - 1].second)
+          return "7: range is not its pieces";
       } else if (start == size) {
         if (first != read || second != read) return "7: empty range at the end";
       } else if (first != unit_pieces[start].first || second != first) {
@@ -87,7 +91,8 @@ inline std::string broken_map_rule(const std::u16string& source, std::uint32_t o
     }
   }
   // 6. The whole text maps to the whole source read.
-  if (size > 0 && mapped.source_range(0, size) != std::make_pair(std::size_t{0}, read)) return "6: whole text";
+  if (size > 0 && mapped.source_range(0, size) != std::make_pair(std::size_t{0}, read))
+    return "6: whole text";
 
   // 9. Round trip between piece boundaries; and cutting the source at them
   //    leaves the preparation as it is (so no character is split from a mark
@@ -108,10 +113,13 @@ inline std::string broken_map_rule(const std::u16string& source, std::uint32_t o
     const std::u16string whole = prepare(used.substr(first, second - first));
     for (std::size_t cut = first + 1; cut < second; ++cut) {
       if (splits_pair(cut)) continue;
-      const std::size_t next = cut + (U16_IS_LEAD(used[cut]) && cut + 1 < second && U16_IS_TRAIL(used[cut + 1]) ? 2 : 1);
-      if (prepare(used.substr(cut, next - cut)).empty()) continue;  // a removed mark stays with what precedes it
+      const std::size_t next =
+          cut + (U16_IS_LEAD(used[cut]) && cut + 1 < second && U16_IS_TRAIL(used[cut + 1]) ? 2 : 1);
+      if (prepare(used.substr(cut, next - cut)).empty())
+        continue;  // a removed mark stays with what precedes it
       const std::u16string head = prepare(used.substr(first, cut - first));
-      if (!head.empty() && head + prepare(used.substr(cut, second - cut)) == whole) return "7: a piece is not the shortest";
+      if (!head.empty() && head + prepare(used.substr(cut, second - cut)) == whole)
+        return "7: a piece is not the shortest";
     }
   }
   // 4. Where preparation keeps the text, the identity on code-point boundaries.
@@ -119,7 +127,8 @@ inline std::string broken_map_rule(const std::u16string& source, std::uint32_t o
     for (std::size_t start = 0; start <= size; ++start) {
       for (std::size_t end = start; end <= size; ++end) {
         if (splits_pair(start) || splits_pair(end)) continue;
-        if (mapped.source_range(start, end) != std::make_pair(start, end)) return "4: not the identity";
+        if (mapped.source_range(start, end) != std::make_pair(start, end))
+          return "4: not the identity";
       }
     }
   }

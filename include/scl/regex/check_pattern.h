@@ -24,8 +24,8 @@ namespace scl::regex {
 
 // Why and where a pattern was rejected.
 struct pattern_error {
-  regex_exception error;    // the exception createMatcher would throw for this pattern and options
-  std::size_t offset;       // 0-based UTF-16 offset in the caller's pattern, or npos if ICU gives none
+  regex_exception error;  // the exception createMatcher would throw for this pattern and options
+  std::size_t offset;  // 0-based UTF-16 offset in the caller's pattern, or npos if ICU gives none
   std::string description;  // UTF-8, for people
 };
 
@@ -38,8 +38,8 @@ struct pattern_error {
 // offset; the next two show the pattern (around the offset, if it is long,
 // with control characters escaped) and a caret under the offset. Throws only
 // std::bad_alloc.
-[[nodiscard]] SCL_REGEX_API std::optional<pattern_error> check_pattern(const std::u16string& pattern,
-                                                         constants::syntax_option_type options);
+[[nodiscard]] SCL_REGEX_API std::optional<pattern_error> check_pattern(
+    const std::u16string& pattern, constants::syntax_option_type options);
 
 }  // namespace scl::regex
 

@@ -6,13 +6,13 @@
 
 // The library is built with hidden visibility; SCL_REGEX_API marks what it exports.
 #if defined(_WIN32)
-#  if defined(SCL_REGEX_BUILDING)
-#    define SCL_REGEX_API __declspec(dllexport)
-#  else
-#    define SCL_REGEX_API __declspec(dllimport)
-#  endif
+#if defined(SCL_REGEX_BUILDING)
+#define SCL_REGEX_API __declspec(dllexport)
 #else
-#  define SCL_REGEX_API __attribute__((visibility("default")))
+#define SCL_REGEX_API __declspec(dllimport)
+#endif
+#else
+#define SCL_REGEX_API __attribute__((visibility("default")))
 #endif
 
 #endif  // SCL_REGEX_EXPORT_H

@@ -42,14 +42,14 @@ enum ECallbackTermination : std::int32_t {
 // Returns "" for an empty handle; `subject` unchanged on ICU failure (for
 // example "$x" or a reference to a missing group in `replacement`).
 [[nodiscard]] SCL_REGEX_API std::u16string regex_replace_first(const matcher_ptr& handle,
-                                                 const std::u16string& subject,
-                                                 const std::u16string& replacement);
+                                                               const std::u16string& subject,
+                                                               const std::u16string& replacement);
 
 // Returns `subject` with every match replaced by `replacement`.
 // Returns "" for an empty handle; `subject` unchanged on ICU failure.
 [[nodiscard]] SCL_REGEX_API std::u16string regex_replace(const matcher_ptr& handle,
-                                           const std::u16string& subject,
-                                           const std::u16string& replacement);
+                                                         const std::u16string& subject,
+                                                         const std::u16string& replacement);
 
 // Returns `subject` with every match replaced by what `callback` returns for
 // the matched text (cut at its first U+0000). The callback may set its bool

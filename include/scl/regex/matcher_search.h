@@ -30,8 +30,8 @@ SCL_REGEX_API bool regex_search(const matcher_ptr& handle, const std::u16string&
 // as above. Both are NUL-terminated; note the order: subject first.
 // Returns false if either pointer is null (nothing is compiled then).
 // Throws regex_exception if ICU rejects the pattern.
-[[nodiscard]] SCL_REGEX_API bool regex_search(const char16_t* subject, const char16_t* pattern, bool whole,
-                                constants::syntax_option_type options);
+[[nodiscard]] SCL_REGEX_API bool regex_search(const char16_t* subject, const char16_t* pattern,
+                                              bool whole, constants::syntax_option_type options);
 
 // Returns the text of capture group `group` of the handle's current match
 // (a negative number means group 0, the whole match), up to its first U+0000.

@@ -3,8 +3,8 @@
 //   namespace re = scl::regex;
 //   re::regex_replace(u"a1 b22", u"\\d+", u"<$0>", 0);        // u"a<1> b<22>"
 //   re::regex_replace_first(u"a1 b22", u"\\d+", u"#", 0);     // u"a# b22"
-//   re::regex_replace(std::string("caf\xC3\xA9"), std::string("\xC3\xA9"), std::string("e"), 0);  // "cafe"
-//   re::regex_escape(u"1+1=2?");                                // u"1\\+1=2\\?"
+//   re::regex_replace(std::string("caf\xC3\xA9"), std::string("\xC3\xA9"), std::string("e"), 0); //
+//   "cafe" re::regex_escape(u"1+1=2?");                                // u"1\\+1=2\\?"
 #ifndef SCL_REGEX_ONESHOT_REPLACE_H
 #define SCL_REGEX_ONESHOT_REPLACE_H
 
@@ -22,15 +22,14 @@ namespace scl::regex {
 // If the pattern does not compile or the replacement is invalid, returns the
 // prepared subject. Never throws regex_exception.
 [[nodiscard]] SCL_REGEX_API std::u16string regex_replace(const std::u16string& subject,
-                                           const std::u16string& pattern,
-                                           const std::u16string& replacement,
-                                           constants::syntax_option_type options);
+                                                         const std::u16string& pattern,
+                                                         const std::u16string& replacement,
+                                                         constants::syntax_option_type options);
 
 // As regex_replace above, but replaces only the first match.
-[[nodiscard]] SCL_REGEX_API std::u16string regex_replace_first(const std::u16string& subject,
-                                                 const std::u16string& pattern,
-                                                 const std::u16string& replacement,
-                                                 constants::syntax_option_type options);
+[[nodiscard]] SCL_REGEX_API std::u16string regex_replace_first(
+    const std::u16string& subject, const std::u16string& pattern, const std::u16string& replacement,
+    constants::syntax_option_type options);
 
 // UTF-8 form: returns `subject` with every match of `pattern` replaced by
 // `replacement`, all three UTF-8 and read up to their first zero byte; any
@@ -38,9 +37,10 @@ namespace scl::regex {
 // nothing is normalised or stripped of diacritics. If the pattern does not
 // compile or the replacement is invalid, returns `subject` as passed in.
 // Never throws regex_exception.
-[[nodiscard]] SCL_REGEX_API std::string regex_replace(const std::string& subject, const std::string& pattern,
-                                        const std::string& replacement,
-                                        constants::syntax_option_type options);
+[[nodiscard]] SCL_REGEX_API std::string regex_replace(const std::string& subject,
+                                                      const std::string& pattern,
+                                                      const std::string& replacement,
+                                                      constants::syntax_option_type options);
 
 // Returns `text`, up to its first U+0000, with a backslash put before every
 // character that is special in a pattern ("-[]{}()*+?.,\^$|#") and every white

@@ -23,7 +23,7 @@ namespace scl::regex {
 // are kept; removing diacritics ends the text at its first U+0000.
 // Throws only std::bad_alloc.
 [[nodiscard]] SCL_REGEX_API std::u16string prepare_text(const std::u16string& text,
-                                          constants::syntax_option_type options);
+                                                        constants::syntax_option_type options);
 
 // Returns `text`, up to its first U+0000, with every non-spacing mark (general
 // category Mn) removed: decomposed (NFD), marks dropped, recomposed (NFC); the

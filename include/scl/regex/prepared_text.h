@@ -83,8 +83,8 @@ class SCL_REGEX_API prepared_text {
 
 // Returns prepare_text(text, options) with its map back to `text`, computed
 // in the same single pass. Throws only std::bad_alloc.
-[[nodiscard]] SCL_REGEX_API prepared_text prepare_text_mapped(const std::u16string& text,
-                                                constants::syntax_option_type options);
+[[nodiscard]] SCL_REGEX_API prepared_text
+prepare_text_mapped(const std::u16string& text, constants::syntax_option_type options);
 
 }  // namespace scl::regex
 

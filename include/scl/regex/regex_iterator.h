@@ -62,7 +62,9 @@ class SCL_REGEX_API regex_iterator {
   }
 
   // Whether the walk is over: the current result's start and end are npos.
-  [[nodiscard]] bool at_end() const noexcept { return current_.start == npos && current_.end == npos; }
+  [[nodiscard]] bool at_end() const noexcept {
+    return current_.start == npos && current_.end == npos;
+  }
 
   // Two iterators are equal when both are at the end, or when they walk the
   // same regex and stand on the same match.
@@ -83,10 +85,18 @@ class SCL_REGEX_API regex_iterator {
 // The end of every walk, for range-for and for comparing with an iterator.
 struct regex_sentinel {};
 
-[[nodiscard]] inline bool operator==(const regex_iterator& it, regex_sentinel) noexcept { return it.at_end(); }
-[[nodiscard]] inline bool operator==(regex_sentinel, const regex_iterator& it) noexcept { return it.at_end(); }
-[[nodiscard]] inline bool operator!=(const regex_iterator& it, regex_sentinel) noexcept { return !it.at_end(); }
-[[nodiscard]] inline bool operator!=(regex_sentinel, const regex_iterator& it) noexcept { return !it.at_end(); }
+[[nodiscard]] inline bool operator==(const regex_iterator& it, regex_sentinel) noexcept {
+  return it.at_end();
+}
+[[nodiscard]] inline bool operator==(regex_sentinel, const regex_iterator& it) noexcept {
+  return it.at_end();
+}
+[[nodiscard]] inline bool operator!=(const regex_iterator& it, regex_sentinel) noexcept {
+  return !it.at_end();
+}
+[[nodiscard]] inline bool operator!=(regex_sentinel, const regex_iterator& it) noexcept {
+  return !it.at_end();
+}
 
 // The matches of `re` in `subject` as a range, for range-for:
 //

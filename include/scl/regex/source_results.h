@@ -71,15 +71,14 @@ SCL_REGEX_API std::vector<source_match> regex_find_all(const std::u16string& sub
 // fails. Where preparation changes nothing, the result is ICU's replaceAll on
 // `subject`. `re` is left as regex_find_all leaves it. Throws only
 // std::bad_alloc.
-[[nodiscard]] SCL_REGEX_API std::u16string regex_replace_preserving(regex& re, const std::u16string& subject,
-                                                      const std::u16string& replacement);
+[[nodiscard]] SCL_REGEX_API std::u16string regex_replace_preserving(
+    regex& re, const std::u16string& subject, const std::u16string& replacement);
 
 // The same with `pattern` compiled with `options`; returns `subject`
 // unchanged if ICU rejects the pattern. Never throws regex_exception.
-[[nodiscard]] SCL_REGEX_API std::u16string regex_replace_preserving(const std::u16string& subject,
-                                                      const std::u16string& pattern,
-                                                      const std::u16string& replacement,
-                                                      constants::syntax_option_type options);
+[[nodiscard]] SCL_REGEX_API std::u16string regex_replace_preserving(
+    const std::u16string& subject, const std::u16string& pattern, const std::u16string& replacement,
+    constants::syntax_option_type options);
 
 }  // namespace scl::regex
 
