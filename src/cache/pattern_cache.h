@@ -22,7 +22,7 @@
 namespace scl::regex::detail {
 
 inline constexpr std::size_t kCachedPatterns = 64;
-inline constexpr std::size_t kCachedUnits = 64 * 1024;
+inline constexpr std::size_t kCachedUnits = std::size_t{64} * 1024;
 
 using shared_pattern = std::shared_ptr<const icu::RegexPattern>;
 

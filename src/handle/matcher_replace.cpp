@@ -77,9 +77,12 @@ std::u16string regex_replace(
   });
 }
 
+// The interface takes the callback by value.
+// NOLINTBEGIN(performance-unnecessary-value-param)
 std::u16string regex_replace(const std::u16string& subject, const std::u16string& pattern,
                              std::function<std::u16string(const std::u16string&, bool&)> callback,
                              constants::syntax_option_type options) {
+  // NOLINTEND(performance-unnecessary-value-param)
   // Pattern and subject both end at their first U+0000; nothing is prepared.
   const icu::UnicodeString icu_pattern = detail::icu_until_nul(pattern);
   const icu::UnicodeString input = detail::icu_until_nul(subject);

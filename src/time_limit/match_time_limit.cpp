@@ -70,7 +70,9 @@ struct time_limit_chain {
 namespace {
 
 // ICU's match callback: go on until the deadline.
-UBool until_deadline(const void*, int32_t) { return !time_limit_chain::passed(); }
+UBool until_deadline(const void*, int32_t) {
+  return static_cast<UBool>(!time_limit_chain::passed());
+}
 
 }  // namespace
 
