@@ -4,6 +4,10 @@
 // string by value. Include it only to construct the engine yourself, hand it
 // to regex, or derive from it; <scl/regex.h> does not include it. Link
 // scl_regex::icu_engine (or ICU's uc library) when you do.
+//
+//   #include <scl/regex/regex_impl_icu.h>
+//   auto engine = std::make_unique<scl::regex::detail::regex_impl_icu>();
+//   scl::regex::regex re(u"a+", 0, std::move(engine));  // the same as passing no engine
 #ifndef SCL_REGEX_REGEX_IMPL_ICU_H
 #define SCL_REGEX_REGEX_IMPL_ICU_H
 
