@@ -86,7 +86,7 @@ expected_result<std::u16string> cached_icu_engine::replace_ex(const std::u16stri
 }
 
 std::u16string cached_icu_engine::getGroupReference(const std::u16string& name) const {
-  return u"${" + name + u"}";
+  return engine_group_reference(name);
 }
 
 int cached_icu_engine::getGroupNumber(const std::string& name) const {

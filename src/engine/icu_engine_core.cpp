@@ -142,6 +142,8 @@ expected_result<std::u16string> engine_replace_all(regex_impl_abstract& engine,
   return buffer != nullptr ? std::u16string(buffer) : subject_text;
 }
 
+std::u16string engine_group_reference(const std::u16string& name) { return u"${" + name + u"}"; }
+
 int engine_group_number(const icu::RegexMatcher* m, const std::string& name) {
   if (m == nullptr || name.empty()) return -1;
   UErrorCode status = U_ZERO_ERROR;

@@ -52,6 +52,9 @@ expected_result<std::u16string> engine_replace_all(regex_impl_abstract& engine,
                                                    const std::u16string& subject_text,
                                                    const std::u16string& replacement);
 
+// The replacement-text reference to the group `name`: "${name}".
+std::u16string engine_group_reference(const std::u16string& name);
+
 // The group called `name`, or `name` read as a number, or -1.
 int engine_group_number(const icu::RegexMatcher* matcher, const std::string& name);
 

@@ -82,7 +82,7 @@ expected_result<std::u16string> regex_impl_icu::replace_ex(const std::u16string&
 }
 
 std::u16string regex_impl_icu::getGroupReference(const std::u16string& name) const {
-  return u"${" + name + u"}";
+  return engine_group_reference(name);
 }
 
 int regex_impl_icu::getGroupNumber(const std::string& name) const {
