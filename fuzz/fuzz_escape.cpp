@@ -8,7 +8,8 @@
 //   nowhere else.
 // - The escaped text always compiles, with any options.
 // - As a pattern compiled with options 0, it matches t as a whole; compiled
-//   with any options, it matches t prepared with the same options.
+//   with any options, it matches t prepared with the same options wherever
+//   preparation keeps the escapes (joined unpaired surrogates can swallow one).
 // - As replacement text, it stands for t itself.
 #include <cstdint>
 #include <cstdio>
@@ -79,7 +80,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   if (!run || !run_options) return fuzz::kReject;
 
   FUZZ_CHECK(whole_match(escaped, 0, t));
-  FUZZ_CHECK(whole_match(escaped, options, t));
+  // Preparing the escaped text gives the escaped prepared text, except where
+  // removing marks joins unpaired surrogates: ICU's transliterator then takes
+  // what follows them along (a backslash among it), as prepare_text does too.
+  if (re::prepare_text(escaped, options) == re::regex_escape(re::prepare_text(t, options))) {
+    FUZZ_CHECK(whole_match(escaped, options, t));
+  }
   FUZZ_CHECK(re::regex_replace(std::u16string(u"x"), u"x", escaped, 0) == t);
   return 0;
 }
