@@ -138,7 +138,58 @@ void lib_find_all(benchmark::State& state) {
   state.counters["matches"] = static_cast<double>(matches);
 }
 
+// 1 MiB of French words; "cr(e)me" matches every "crème" (about one word in 26),
+// "zzz" nothing at all, so the second case measures the walk's fixed costs.
+const std::u16string& french_text() { return bench::words_text(bench::kind::french, kUnits); }
+
+void lib_french_walk(benchmark::State& state, const char16_t* pattern) {
+  const std::u16string& subject = french_text();
+  scl::regex::regex re(pattern, kCaseAndMarks);
+  std::size_t matches = 0;
+  for (auto _ : state) {
+    // Collects what regex_find_all returns, in prepared positions.
+    std::vector<std::pair<std::size_t, std::size_t>> found;
+    for (scl::regex::regex_iterator it(subject, re); it->start != scl::regex::npos; ++it) {
+      for (const scl::regex::group_result& group : it->groups)
+        found.emplace_back(group.start, group.end);
+    }
+    benchmark::DoNotOptimize(found.data());
+    matches = found.size();
+  }
+  state.counters["groups"] = static_cast<double>(matches);
+}
+
+void lib_french_find_all(benchmark::State& state, const char16_t* pattern) {
+  const std::u16string& subject = french_text();
+  scl::regex::regex re(pattern, kCaseAndMarks);
+  std::size_t matches = 0;
+  for (auto _ : state) {
+    const std::vector<scl::regex::source_match> found = scl::regex::regex_find_all(re, subject);
+    benchmark::DoNotOptimize(found.data());
+    matches = found.size();
+  }
+  state.counters["matches"] = static_cast<double>(matches);
+}
+
+void lib_french_replace_preserving(benchmark::State& state, const char16_t* pattern) {
+  const std::u16string& subject = french_text();
+  scl::regex::regex re(pattern, kCaseAndMarks);
+  for (auto _ : state) {
+    const std::u16string replaced = scl::regex::regex_replace_preserving(re, subject, u"[$0]");
+    benchmark::DoNotOptimize(replaced.data());
+  }
+}
+
 [[maybe_unused]] const bool registered = [] {
+  for (const char16_t* pattern : {u"cr(e)me", u"zzz"}) {
+    const std::string name = pattern[0] == u'z' ? "zzz" : "cr(e)me";
+    benchmark::RegisterBenchmark(("lib/french_walk/opt5/" + name + "/1M").c_str(), lib_french_walk,
+                                 pattern);
+    benchmark::RegisterBenchmark(("lib/french_find_all/opt5/" + name + "/1M").c_str(),
+                                 lib_french_find_all, pattern);
+    benchmark::RegisterBenchmark(("lib/french_replace_preserving/opt5/" + name + "/1M").c_str(),
+                                 lib_french_replace_preserving, pattern);
+  }
   benchmark::RegisterBenchmark("lib/iterator_groups/opt0/accented/1M", lib_walk);
   benchmark::RegisterBenchmark("icu/iterator_groups/opt0/accented/1M", icu_walk);
   benchmark::RegisterBenchmark("lib/search_tuples/opt0/accented/1M", lib_tuples);

@@ -10,7 +10,8 @@ import re
 import sys
 
 # Cases measured only against the library's own baseline.
-OWN_CASES = ("prepare_mapped/", "find_all/", "iterator_positions/", "oneshot_cached/", "handle_replace/",
+OWN_CASES = ("prepare_mapped/", "find_all/", "french_walk/", "french_find_all/",
+             "french_replace_preserving/", "iterator_positions/", "oneshot_cached/", "handle_replace/",
              "group_names_cached/", "group_names_compiling/")
 # Cases that report how late a search stopped after a 50 ms deadline.
 LATENCY_PREFIX = "limit/stop_latency/"
@@ -88,6 +89,9 @@ def main(path):
         (r"search/opt([24])/(.+)$", "search/opt0/{1}", "search 0x{0} vs search 0 /{1}"),
         (r"prepare_mapped/(.+)$", "prepare_normalisers/{0}", "prepare_text_mapped vs prepare_text /{0}"),
         (r"find_all/(.+)$", "iterator_positions/{0}", "regex_find_all vs regex_iterator positions /{0}"),
+        (r"french_find_all/(.+)$", "french_walk/{0}", "regex_find_all vs iterator walk, French /{0}"),
+        (r"french_replace_preserving/(.+)$", "french_find_all/{0}",
+         "regex_replace_preserving vs regex_find_all, French /{0}"),
         (r"oneshot_cached/(.+)$", "handle_replace/{0}", "one-shot regex_replace (cached) vs handle /{0}"),
         (r"group_names_cached/(.+)$", "group_names_compiling/{0}", "getGroupNamesIfAvailable vs finder compiled per call /{0}"),
     )

@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "engine/icu_text.h"
+#include "text/until_nul.h"
 
 namespace {
 

@@ -10,7 +10,7 @@
 
 #include <scl/regex.h>
 
-#include "cache/pattern_cache.h"
+#include "icu/pattern_cache.h"
 #include "i18n/host_i18n.h"
 
 namespace {

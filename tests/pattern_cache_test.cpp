@@ -9,17 +9,27 @@
 
 #include <scl/regex.h>
 
-#include "cache/pattern_cache.h"
+#include "icu/compile.h"
+#include "icu/handle_matcher.h"
+#include "icu/pattern_cache.h"
 
 namespace {
 
 namespace re = scl::regex;
 using re::detail::cached_pattern_count;
-using re::detail::compiled_pattern;
 using re::detail::kCachedPatterns;
 using re::detail::pattern_is_cached;
 
 constexpr std::uint32_t kDotAll = UREGEX_DOTALL;
+
+// `text` compiled as a pattern with options 0 (ICU flags: DOTALL), through the
+// library's one compile step; ICU's verdict in `status`.
+re::detail::shared_pattern compiled_pattern(const icu::UnicodeString& text, UErrorCode& status) {
+  const re::detail::compiled_pattern compiled = re::detail::compile_prepared(
+      std::u16string_view(text.getBuffer(), static_cast<std::size_t>(text.length())), 0);
+  if (U_FAILURE(compiled.status)) status = compiled.status;
+  return compiled.pattern;
+}
 
 icu::UnicodeString numbered(std::size_t i) {
   return icu::UnicodeString(u"p") + icu::UnicodeString(static_cast<UChar32>(u'a' + i % 26)) +
@@ -35,12 +45,10 @@ void on_fresh_thread(Test test) {
 TEST(PatternCache, KeepsTheMostRecentlyUsedAndEvictsTheLeast) {
   on_fresh_thread([] {
     UErrorCode status = U_ZERO_ERROR;
-    for (std::size_t i = 0; i < kCachedPatterns; ++i)
-      compiled_pattern(numbered(i), kDotAll, status);
+    for (std::size_t i = 0; i < kCachedPatterns; ++i) compiled_pattern(numbered(i), status);
     ASSERT_EQ(cached_pattern_count(), kCachedPatterns);
-    compiled_pattern(numbered(0), kDotAll, status);  // used again: now the most recent
-    compiled_pattern(numbered(kCachedPatterns), kDotAll,
-                     status);  // one more evicts the least recent
+    compiled_pattern(numbered(0), status);                // used again: now the most recent
+    compiled_pattern(numbered(kCachedPatterns), status);  // one more evicts the least recent
     EXPECT_EQ(cached_pattern_count(), kCachedPatterns);
     EXPECT_TRUE(pattern_is_cached(numbered(0), kDotAll));
     EXPECT_FALSE(pattern_is_cached(numbered(1), kDotAll));
@@ -53,8 +61,8 @@ TEST(PatternCache, KeepsTheMostRecentlyUsedAndEvictsTheLeast) {
 TEST(PatternCache, EqualKeysShareOnePattern) {
   on_fresh_thread([] {
     UErrorCode status = U_ZERO_ERROR;
-    const auto first = compiled_pattern(u"a+b", kDotAll, status);
-    const auto second = compiled_pattern(u"a+b", kDotAll, status);
+    const auto first = compiled_pattern(u"a+b", status);
+    const auto second = compiled_pattern(u"a+b", status);
     EXPECT_EQ(first.get(), second.get());
     EXPECT_EQ(cached_pattern_count(), 1u);
   });
@@ -63,11 +71,11 @@ TEST(PatternCache, EqualKeysShareOnePattern) {
 TEST(PatternCache, FailingPatternsAreNotKept) {
   on_fresh_thread([] {
     UErrorCode status = U_ZERO_ERROR;
-    EXPECT_EQ(compiled_pattern(u"(a", kDotAll, status), nullptr);
+    EXPECT_EQ(compiled_pattern(u"(a", status), nullptr);
     EXPECT_EQ(status, U_REGEX_MISMATCHED_PAREN);
     EXPECT_EQ(cached_pattern_count(), 0u);
     status = U_ZERO_ERROR;
-    EXPECT_EQ(compiled_pattern(u"(a", kDotAll, status),
+    EXPECT_EQ(compiled_pattern(u"(a", status),
               nullptr);  // fails again, not a stale success
     EXPECT_EQ(status, U_REGEX_MISMATCHED_PAREN);
     EXPECT_EQ(re::regex_replace(u"(a", u"(a", u"x", 0), u"(a");
@@ -132,12 +140,12 @@ TEST(PatternCache, LongPatternsAreNotKeptAndTextIsBounded) {
     UErrorCode status = U_ZERO_ERROR;
     const icu::UnicodeString huge(static_cast<int32_t>(re::detail::kCachedUnits + 1), u'a',
                                   static_cast<int32_t>(re::detail::kCachedUnits + 1));
-    EXPECT_NE(compiled_pattern(huge, kDotAll, status), nullptr);
+    EXPECT_NE(compiled_pattern(huge, status), nullptr);
     EXPECT_EQ(cached_pattern_count(), 0u);
     const icu::UnicodeString big(static_cast<int32_t>(re::detail::kCachedUnits / 2), u'b',
                                  static_cast<int32_t>(re::detail::kCachedUnits / 2));
-    compiled_pattern(big, kDotAll, status);
-    compiled_pattern(big + u"c", kDotAll, status);  // together over the bound: the first goes
+    compiled_pattern(big, status);
+    compiled_pattern(big + u"c", status);  // together over the bound: the first goes
     EXPECT_EQ(cached_pattern_count(), 1u);
     EXPECT_TRUE(pattern_is_cached(big + u"c", kDotAll));
   });
@@ -165,12 +173,41 @@ TEST(PatternCache, TimeLimitStopsMatchersFromCachedPatterns) {
   });
 }
 
+TEST(PatternCache, HandlesAndRegexObjectsShareTheThreadsCompiledPatterns) {
+  on_fresh_thread([] {
+    const re::matcher_ptr first =
+        re::createMatcher(u"caf\u00e9+", re::constants::ignore_diacritics);
+    const re::matcher_ptr second =
+        re::createMatcher(u"cafe\u0301+", re::constants::ignore_diacritics);
+    // Both prepare to "cafe+" and compile with the same flags: one compiled pattern.
+    EXPECT_EQ(&re::detail::icu_matcher(first)->pattern(),
+              &re::detail::icu_matcher(second)->pattern());
+    EXPECT_EQ(cached_pattern_count(), 1u);
+    EXPECT_TRUE(pattern_is_cached(u"cafe+", kDotAll));
+    // Each handle still has its own matcher and its own subject.
+    EXPECT_NE(first.get(), second.get());
+    EXPECT_TRUE(re::regex_search(first, u"un caf\u00e9", false));
+    EXPECT_FALSE(re::regex_search(second, u"un th\u00e9", false));
+    EXPECT_EQ(re::get_group(first, 0), u"cafe");
+    re::regex object(u"cafe+", 0);
+    EXPECT_EQ(cached_pattern_count(), 1u);
+  });
+}
+
+TEST(PatternCache, AHandleOutlivesTheThreadThatCompiledItsPattern) {
+  re::matcher_ptr handle;
+  std::thread([&handle] { handle = re::createMatcher(u"(\\d+)-(\\d+)", 0); }).join();
+  // The thread's cache is gone; the handle keeps its pattern.
+  ASSERT_TRUE(re::regex_search(handle, u"pages 12-34", false));
+  EXPECT_EQ(re::get_group(handle, 2), u"34");
+}
+
 TEST(PatternCache, SwitchedOffCompilesEveryCall) {
   on_fresh_thread([] {
     re::detail::set_pattern_cache_enabled(false);
     UErrorCode status = U_ZERO_ERROR;
-    const auto first = compiled_pattern(u"a+b", kDotAll, status);
-    const auto second = compiled_pattern(u"a+b", kDotAll, status);
+    const auto first = compiled_pattern(u"a+b", status);
+    const auto second = compiled_pattern(u"a+b", status);
     EXPECT_NE(first.get(), second.get());
     EXPECT_EQ(cached_pattern_count(), 0u);
   });

@@ -1,13 +1,22 @@
 // The ICU engine: compiles through a matcher handle, keeps the prepared
-// subject, and finds matches step by step.
+// subject, and forwards its work to the ICU layer's engine.
 #include "scl/regex/regex_impl_icu.h"
 
 #include <utility>
 
-#include "engine/icu_engine_core.h"
-#include "handle/matcher_storage.h"
+#include "icu/engine.h"
+#include "icu/handle_matcher.h"
+#include "prepare/prepared_subject.h"
 
 namespace scl::regex::detail {
+
+namespace {
+
+icu_engine engine_of(const regex_impl_icu& self) {
+  return icu_engine(icu_matcher(self.matcher), self.subject, self);
+}
+
+}  // namespace
 
 regex_impl_icu::regex_impl_icu() = default;
 regex_impl_icu::~regex_impl_icu() = default;
@@ -36,59 +45,63 @@ const std::u16string& regex_impl_icu::getPattern() const { return pattern; }
 // engine derived from this one may override.
 void regex_impl_icu::reset(const std::u16string& subject_text,
                            constants::syntax_option_type options) {
-  set_engine_subject(icu_matcher(matcher), subject, pattern, subject_text, options);
+  icu_engine::set_subject(icu_matcher(matcher), subject, pattern,
+                          prepared_subject(subject_text, options));
 }
 
 void regex_impl_icu::reset(const char16_t* first, const char16_t* last,
                            constants::syntax_option_type options) {
-  set_engine_subject(icu_matcher(matcher), subject, pattern,
-                     std::u16string_view(first, static_cast<std::size_t>(last - first)), options);
+  icu_engine::set_subject(
+      icu_matcher(matcher), subject, pattern,
+      prepared_subject(std::u16string_view(first, static_cast<std::size_t>(last - first)),
+                       options));
 }
 
 void regex_impl_icu::reset(const std::u16string_view& subject_text,
                            constants::syntax_option_type options) {
-  set_engine_subject(icu_matcher(matcher), subject, pattern, subject_text, options);
+  icu_engine::set_subject(icu_matcher(matcher), subject, pattern,
+                          prepared_subject(subject_text, options));
 }
 
 std::u16string regex_impl_icu::str(std::size_t start, std::size_t length) const {
-  return engine_subject_piece(subject, start, length);
+  return engine_of(*this).str(start, length);
 }
 
 regex_result regex_impl_icu::match(std::uint32_t match_flags) {
-  return engine_match(icu_matcher(matcher), match_flags, this);
+  return engine_of(*this).match(match_flags);
 }
 
 expected_result<regex_result> regex_impl_icu::match_ex(std::uint32_t match_flags) {
-  return engine_match_ex(icu_matcher(matcher), match_flags, this);
+  return engine_of(*this).match_ex(match_flags);
 }
 
 void regex_impl_icu::getGroups(std::vector<group_result>& groups) const {
-  engine_groups(icu_matcher(matcher), this, groups);
+  engine_of(*this).groups(groups);
 }
 
 // The engine is first reset onto the subject through the interface, with the
 // options its pattern was compiled with.
 std::u16string regex_impl_icu::replace(const std::u16string& subject_text,
                                        const std::u16string& replacement) {
-  expected_result<std::u16string> result = engine_replace_all(
-      *this, icu_matcher(matcher), matcher.get_deleter().options, subject_text, replacement);
+  expected_result<std::u16string> result =
+      engine_of(*this).replace_all(*this, matcher.get_deleter().options, subject_text, replacement);
   return result.has_error() ? subject_text : std::move(result).value();
 }
 
 expected_result<std::u16string> regex_impl_icu::replace_ex(const std::u16string& subject_text,
                                                            const std::u16string& replacement) {
-  return engine_replace_all(*this, icu_matcher(matcher), matcher.get_deleter().options,
-                            subject_text, replacement);
+  return engine_of(*this).replace_all(*this, matcher.get_deleter().options, subject_text,
+                                      replacement);
 }
 
 std::u16string regex_impl_icu::getGroupReference(const std::u16string& name) const {
-  return engine_group_reference(name);
+  return icu_engine::group_reference(name);
 }
 
 int regex_impl_icu::getGroupNumber(const std::string& name) const {
-  return engine_group_number(icu_matcher(matcher), name);
+  return engine_of(*this).group_number(name);
 }
 
-int regex_impl_icu::getGroupsCount() const { return engine_group_count(icu_matcher(matcher)); }
+int regex_impl_icu::getGroupsCount() const { return engine_of(*this).group_count(); }
 
 }  // namespace scl::regex::detail

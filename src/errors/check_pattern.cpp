@@ -1,18 +1,12 @@
 // Checking a pattern as createMatcher compiles it, and saying where it is wrong.
 #include "scl/regex/check_pattern.h"
 
-#include <memory>
 #include <string>
 #include <utility>
 
-#include <unicode/parseerr.h>
-#include <unicode/regex.h>
-
-#include "cache/pattern_cache.h"
-#include "engine/icu_flags.h"
-#include "engine/icu_text.h"
 #include "errors/caret_excerpt.h"
 #include "errors/parse_offset.h"
+#include "icu/compile.h"
 #include "scl/regex/prepared_text.h"
 
 namespace scl::regex {
@@ -20,22 +14,17 @@ namespace scl::regex {
 std::optional<pattern_error> check_pattern(const std::u16string& pattern,
                                            constants::syntax_option_type options) {
   const prepared_text prepared = prepare_text_mapped(pattern, options);
-  UParseError where{};
-  where.line = 0;
-  where.offset = -1;
-  UErrorCode status = U_ZERO_ERROR;
   // The whole prepared pattern, embedded U+0000 units included, as createMatcher compiles it.
-  if (detail::compiled_pattern(detail::icu_whole(prepared.text()), detail::icu_flags(options),
-                               status, &where) != nullptr) {
-    return std::nullopt;
-  }
+  const detail::compiled_pattern compiled = detail::compile_prepared(prepared.text(), options);
+  if (compiled) return std::nullopt;
 
-  std::size_t offset = detail::parse_offset(prepared.text(), where.line, where.offset);
+  std::size_t offset =
+      detail::parse_offset(prepared.text(), compiled.where.line, compiled.where.offset);
   if (offset != npos) {
     offset = offset < prepared.text().size() ? prepared.source_range(offset, offset).first
                                              : prepared.source_size();
   }
-  const regex_exception error(status);
+  const regex_exception error = compiled.error();
   std::string description = error.what();
   if (offset == npos) {
     // Only the pattern: there is nothing to point at.

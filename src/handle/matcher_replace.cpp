@@ -1,13 +1,12 @@
 // Replacement with a matcher handle, and the one-shot callback form.
 #include <utility>
 
-#include "cache/pattern_cache.h"
-#include "engine/icu_flags.h"
-#include "engine/icu_text.h"
-#include "handle/matcher_storage.h"
 #include "handle/replace_loops.h"
+#include "icu/compile.h"
+#include "icu/handle_matcher.h"
+#include "icu/icu_string.h"
+#include "icu/matcher.h"
 #include "scl/regex/matcher_replace.h"
-#include "time_limit/deadline.h"
 
 namespace scl::regex {
 namespace {
@@ -16,9 +15,7 @@ namespace {
 // or the subject unchanged if the replacement failed or ICU has no buffer.
 std::u16string result_or_subject(bool succeeded, icu::UnicodeString& output,
                                  const std::u16string& subject) {
-  if (!succeeded) return subject;
-  const char16_t* buffer = output.getTerminatedBuffer();
-  return buffer != nullptr ? std::u16string(buffer) : subject;
+  return succeeded ? detail::from_icu_until_nul(output, subject) : subject;
 }
 
 // The frame every handle form shares: an empty handle gives "", otherwise the
@@ -29,8 +26,7 @@ std::u16string replace_on_handle(const matcher_ptr& handle, const std::u16string
                                  Replace&& replace) {
   icu::RegexMatcher* matcher = detail::icu_matcher(handle);
   if (matcher == nullptr) return {};
-  detail::reset_onto(*matcher, detail::handle_slot(*matcher), subject.data(),
-                     static_cast<int32_t>(subject.size()));
+  detail::set_subject(*matcher, detail::handle_slot(*matcher), subject);
   icu::UnicodeString output;
   const bool succeeded = replace(output, *matcher);
   return result_or_subject(succeeded, output, subject);
@@ -41,7 +37,10 @@ std::u16string replace_on_handle(const matcher_ptr& handle, const std::u16string
 std::u16string regex_replace_first(const matcher_ptr& handle, const std::u16string& subject,
                                    const std::u16string& replacement) {
   return replace_on_handle(handle, subject, [&](icu::UnicodeString& output, icu::RegexMatcher& m) {
-    return detail::replace_first_on_matcher(output, detail::icu_until_nul(replacement), &m);
+    UErrorCode status = U_ZERO_ERROR;
+    output = detail::replace_matches(m, detail::replace_scope::first,
+                                     detail::to_icu_until_nul(replacement), status);
+    return U_SUCCESS(status);
   });
 }
 
@@ -49,8 +48,8 @@ std::u16string regex_replace(const matcher_ptr& handle, const std::u16string& su
                              const std::u16string& replacement) {
   return replace_on_handle(handle, subject, [&](icu::UnicodeString& output, icu::RegexMatcher& m) {
     UErrorCode status = U_ZERO_ERROR;
-    output = detail::replace_within_deadline(m, &icu::RegexMatcher::replaceAll,
-                                             detail::icu_until_nul(replacement), status);
+    output = detail::replace_matches(m, detail::replace_scope::all,
+                                     detail::to_icu_until_nul(replacement), status);
     return U_SUCCESS(status);
   });
 }
@@ -84,15 +83,14 @@ std::u16string regex_replace(const std::u16string& subject, const std::u16string
                              constants::syntax_option_type options) {
   // NOLINTEND(performance-unnecessary-value-param)
   // Pattern and subject both end at their first U+0000; nothing is prepared.
-  const icu::UnicodeString icu_pattern = detail::icu_until_nul(pattern);
-  const icu::UnicodeString input = detail::icu_until_nul(subject);
+  const detail::compiled_pattern compiled =
+      detail::compile_pattern(pattern, options, detail::pattern_text::as_given_until_nul);
+  if (!compiled) return subject;
   UErrorCode status = U_ZERO_ERROR;
-  const detail::shared_pattern compiled =
-      detail::compiled_pattern(icu_pattern, detail::icu_flags(options), status);
-  if (compiled == nullptr) return subject;
-  const std::unique_ptr<icu::RegexMatcher> matcher =
-      detail::new_matcher_of(*compiled, &input, status);
+  icu::UnicodeString input;  // outlives the matcher, which refers to it
+  const std::unique_ptr<icu::RegexMatcher> matcher = detail::new_matcher(*compiled.pattern, status);
   if (matcher == nullptr) return subject;
+  detail::set_subject(*matcher, input, subject, detail::subject_end::until_nul);
   icu::UnicodeString output;
   const bool succeeded = detail::replace_loop_text(output, *matcher, callback);
   return result_or_subject(succeeded, output, subject);

@@ -1,13 +1,13 @@
 // Search and group access on a matcher handle.
 #include <string>
 
-#include "cache/pattern_cache.h"
-#include "engine/icu_flags.h"
-#include "engine/icu_text.h"
-#include "handle/matcher_storage.h"
+#include "icu/compile.h"
+#include "icu/handle_matcher.h"
+#include "icu/icu_string.h"
+#include "icu/matcher.h"
 #include "prepare/prepare_pass.h"
+#include "prepare/prepared_subject.h"
 #include "scl/regex/matcher_search.h"
-#include "scl/regex/prepare.h"
 #include "time_limit/deadline.h"
 
 namespace scl::regex {
@@ -19,16 +19,16 @@ namespace {
 // Text that preparation would give back unchanged (always without
 // preparation bits; commonly with them) is copied straight in.
 bool search_in_slot(icu::RegexMatcher& matcher, icu::UnicodeString& slot,
-                    const std::u16string& subject, bool whole,
+                    std::u16string_view subject, bool whole,
                     constants::syntax_option_type options) {
   if ((options & (constants::normalize_nfc | constants::ignore_diacritics)) == 0) {
-    detail::reset_onto_until_nul(matcher, slot, subject);
-  } else if (const int32_t length = detail::length_until_nul(subject); detail::preparation_keeps(
-                 subject.c_str(), static_cast<std::size_t>(length), options)) {
-    detail::reset_onto(matcher, slot, subject.c_str(), length);
+    detail::set_subject(matcher, slot, subject, detail::subject_end::until_nul);
+  } else if (const std::u16string_view text = detail::until_nul(subject);
+             detail::preparation_keeps(text.data(), text.size(), options)) {
+    detail::set_subject(matcher, slot, text);
   } else {
-    const std::u16string prepared = prepare_text(subject, options);
-    detail::reset_onto(matcher, slot, prepared.c_str(), detail::length_until_nul(prepared));
+    const detail::prepared_subject prepared(subject, options);
+    detail::set_subject(matcher, slot, prepared.text(), detail::subject_end::until_nul);
   }
   UErrorCode status = U_ZERO_ERROR;
   detail::check_deadline(status);
@@ -50,17 +50,15 @@ bool regex_search(const matcher_ptr& handle, const std::u16string& subject, bool
 bool regex_search(const char16_t* subject, const char16_t* pattern, bool whole,
                   constants::syntax_option_type options) {
   if (subject == nullptr || pattern == nullptr) return false;
-  // Compiled as createMatcher compiles, from the thread's cache.
-  const std::u16string prepared = prepare_text(std::u16string(pattern), options);
+  // Compiled as createMatcher compiles.
+  const detail::compiled_pattern compiled =
+      detail::compile_pattern(pattern, options, detail::pattern_text::prepared);
+  if (!compiled) throw compiled.error();
   UErrorCode status = U_ZERO_ERROR;
-  const detail::shared_pattern compiled =
-      detail::compiled_pattern(detail::icu_whole(prepared), detail::icu_flags(options), status);
-  if (compiled == nullptr) throw regex_exception(status);
   icu::UnicodeString slot;  // outlives the matcher, which refers to it
-  const std::unique_ptr<icu::RegexMatcher> matcher =
-      detail::new_matcher_of(*compiled, nullptr, status);
+  const std::unique_ptr<icu::RegexMatcher> matcher = detail::new_matcher(*compiled.pattern, status);
   if (matcher == nullptr) return false;
-  return search_in_slot(*matcher, slot, std::u16string(subject), whole, options);
+  return search_in_slot(*matcher, slot, subject, whole, options);
 }
 
 std::u16string get_group(const matcher_ptr& handle, int group) {
@@ -69,7 +67,7 @@ std::u16string get_group(const matcher_ptr& handle, int group) {
   UErrorCode status = U_ZERO_ERROR;
   icu::UnicodeString text = group < 0 ? matcher->group(status) : matcher->group(group, status);
   if (U_FAILURE(status)) return {};
-  return detail::text_until_nul(text);
+  return detail::from_icu_until_nul(text);
 }
 
 int get_group_count(const matcher_ptr& handle) {

@@ -2,9 +2,9 @@
 
 #include <functional>
 
-#include "engine/icu_text.h"
-#include "handle/matcher_storage.h"
-#include "time_limit/deadline.h"
+#include "icu/handle_matcher.h"
+#include "icu/icu_string.h"
+#include "icu/matcher.h"
 
 namespace scl::regex::detail {
 namespace {
@@ -29,8 +29,8 @@ bool replace_loop(icu::UnicodeString& output, icu::RegexMatcher& matcher, bool w
                   Flag initial, Call&& call) {
   UErrorCode status = U_ZERO_ERROR;
   for (;;) {
-    check_deadline(status);  // a callback's time counts toward the deadline
-    if (!matcher.find(status)) {
+    // A callback's time counts toward the deadline.
+    if (!find_next(matcher, status)) {
       if (U_FAILURE(status)) return false;
       matcher.appendTail(output);
       return true;
@@ -42,9 +42,9 @@ bool replace_loop(icu::UnicodeString& output, icu::RegexMatcher& matcher, bool w
     }
     Flag flag = initial;
     status = U_ZERO_ERROR;
-    const std::u16string matched_text = with_text ? text_until_nul(matched) : std::u16string();
+    const std::u16string matched_text = with_text ? from_icu_until_nul(matched) : std::u16string();
     const std::u16string replacement = call(matched_text, flag);
-    matcher.appendReplacement(output, icu_until_nul(replacement), status);
+    matcher.appendReplacement(output, to_icu_until_nul(replacement), status);
     if (U_FAILURE(status)) return false;
     switch (decision(flag)) {
       case after_match::stop_dropping_rest:
@@ -68,14 +68,6 @@ void require(const Callback& callback) {
 }
 
 }  // namespace
-
-bool replace_first_on_matcher(icu::UnicodeString& output, const icu::UnicodeString& replacement,
-                              icu::RegexMatcher* matcher) {
-  if (matcher == nullptr) return false;
-  UErrorCode status = U_ZERO_ERROR;
-  output = replace_within_deadline(*matcher, &icu::RegexMatcher::replaceFirst, replacement, status);
-  return U_SUCCESS(status);
-}
 
 bool replace_loop_text(icu::UnicodeString& output, icu::RegexMatcher& matcher,
                        const text_callback& callback) {

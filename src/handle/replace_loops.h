@@ -20,10 +20,6 @@ using handle_callback = std::function<std::u16string(const matcher_ptr&, bool&)>
 using termination_callback =
     std::function<std::u16string(const std::u16string&, ECallbackTermination&)>;
 
-// Replaces the first match. False at once for a null matcher.
-bool replace_first_on_matcher(icu::UnicodeString& output, const icu::UnicodeString& replacement,
-                              icu::RegexMatcher* matcher);
-
 // Replaces every match with the callback's text for the matched text.
 bool replace_loop_text(icu::UnicodeString& output, icu::RegexMatcher& matcher,
                        const text_callback& callback);

@@ -3,7 +3,6 @@
 #include <vector>
 
 #include "i18n/host_i18n.h"
-#include "object/one_call_regex.h"
 #include "scl/regex/regex_class.h"
 #include "scl/regex/regex_iterator.h"
 
@@ -17,9 +16,9 @@ std::vector<std::string> regex::getGroupNamesIfAvailable() const {
   const std::u16string text = impl_->getPattern();
   if (text.empty()) return names;
 
-  // Each thread makes its finder once, from the cached pattern, and resets it
-  // onto every text it scans; nothing it runs can call back into here.
-  thread_local regex finder = detail::one_call_regex(name_finder, 0);
+  // Each thread makes its finder once and resets it onto every text it scans;
+  // nothing it runs can call back into here.
+  thread_local regex finder(name_finder, 0);
   for (regex_iterator it(text, finder); it->start != npos || it->end != npos; ++it) {
     if (it->groups.size() >= 2) names.push_back(detail::i18n::to_string(it->groups[1].str()));
   }

@@ -4,6 +4,7 @@
 #include <unicode/uchar.h>
 
 #include "scl/regex/oneshot_replace.h"
+#include "text/until_nul.h"
 
 namespace scl::regex {
 namespace {
@@ -41,8 +42,7 @@ bool needs_backslash(char16_t unit) {
 std::u16string regex_escape(const std::u16string& text) {
   std::u16string escaped;
   escaped.reserve(text.size() + text.size() / 4);
-  for (const char16_t unit : text) {
-    if (unit == u'\0') break;  // the text ends at its first U+0000
+  for (const char16_t unit : detail::until_nul(text)) {
     if (needs_backslash(unit)) escaped += u'\\';
     escaped += unit;
   }

@@ -1,64 +1,29 @@
 #include "oneshot/replace_once.h"
 
-#include <utility>
+#include <memory>
 
 #include <unicode/regex.h>
 
-#include "cache/pattern_cache.h"
-#include "engine/icu_text.h"
-#include "i18n/host_i18n.h"
-#include "time_limit/deadline.h"
+#include "icu/icu_string.h"
 
 namespace scl::regex::detail {
-namespace {
 
-// Runs `replace` over `input`; false if the pattern does not compile or ICU fails.
-bool replace_in(const icu::UnicodeString& input, const icu::UnicodeString& pattern,
-                const icu::UnicodeString& replacement, std::uint32_t flags, replace_member replace,
-                icu::UnicodeString& output) {
+std::optional<icu::UnicodeString> replace_once(std::u16string_view subject,
+                                               std::u16string_view pattern,
+                                               std::u16string_view replacement,
+                                               constants::syntax_option_type options,
+                                               pattern_text text, replace_scope scope) {
+  const compiled_pattern compiled = compile_pattern(pattern, options, text);
+  if (!compiled) return std::nullopt;
   UErrorCode status = U_ZERO_ERROR;
-  const shared_pattern compiled = compiled_pattern(pattern, flags, status);
-  if (compiled == nullptr) return false;
-  const std::unique_ptr<icu::RegexMatcher> matcher = new_matcher_of(*compiled, &input, status);
-  if (matcher == nullptr) return false;
-  output = replace_within_deadline(*matcher, replace, replacement, status);
-  return U_SUCCESS(status);
-}
-
-std::u16string replace_once(std::u16string subject, const icu::UnicodeString& pattern,
-                            const icu::UnicodeString& replacement, std::uint32_t flags,
-                            replace_member replace) {
-  icu::UnicodeString output;
-  if (!replace_in(icu_until_nul(subject), pattern, replacement, flags, replace, output)) {
-    return subject;
-  }
-  const char16_t* buffer = output.getTerminatedBuffer();
-  if (buffer != nullptr) subject.assign(buffer);
-  return subject;
-}
-
-}  // namespace
-
-std::u16string replace_all_once(std::u16string subject, const icu::UnicodeString& pattern,
-                                const icu::UnicodeString& replacement, std::uint32_t flags) {
-  return replace_once(std::move(subject), pattern, replacement, flags,
-                      &icu::RegexMatcher::replaceAll);
-}
-
-std::u16string replace_first_once(std::u16string subject, const icu::UnicodeString& pattern,
-                                  const icu::UnicodeString& replacement, std::uint32_t flags) {
-  return replace_once(std::move(subject), pattern, replacement, flags,
-                      &icu::RegexMatcher::replaceFirst);
-}
-
-std::string replace_all_utf8(const std::string& subject, const icu::UnicodeString& pattern,
-                             const icu::UnicodeString& replacement, std::uint32_t flags) {
-  icu::UnicodeString output;
-  if (!replace_in(icu_until_nul(i18n::utf8_to_ustring(subject)), pattern, replacement, flags,
-                  &icu::RegexMatcher::replaceAll, output)) {
-    return subject;
-  }
-  return i18n::ustring_to_utf8(output.getTerminatedBuffer());
+  icu::UnicodeString input;  // outlives the matcher, which refers to it
+  const std::unique_ptr<icu::RegexMatcher> matcher = new_matcher(*compiled.pattern, status);
+  if (matcher == nullptr) return std::nullopt;
+  set_subject(*matcher, input, subject, subject_end::until_nul);
+  icu::UnicodeString output =
+      replace_matches(*matcher, scope, to_icu_until_nul(replacement), status);
+  if (U_FAILURE(status)) return std::nullopt;
+  return output;
 }
 
 }  // namespace scl::regex::detail

@@ -1,28 +1,28 @@
-// The engines behind the one-shot replace functions: each builds its own ICU
-// matcher over the subject, replaces, and gives the matcher up again.
+// The engine behind the one-shot replace functions: a matcher of its own over
+// the subject, from the thread's cache of compiled patterns.
 #ifndef SCL_REGEX_SRC_ONESHOT_REPLACE_ONCE_H
 #define SCL_REGEX_SRC_ONESHOT_REPLACE_ONCE_H
 
-#include <cstdint>
+#include <optional>
 #include <string>
+#include <string_view>
 
 #include <unicode/unistr.h>
 
+#include "icu/compile.h"
+#include "icu/matcher.h"
+
 namespace scl::regex::detail {
 
-// Replaces every match in the (already prepared) `subject`, read up to its
-// first U+0000. Returns the result, or `subject` whole on any ICU failure.
-std::u16string replace_all_once(std::u16string subject, const icu::UnicodeString& pattern,
-                                const icu::UnicodeString& replacement, std::uint32_t flags);
-
-// As replace_all_once, for the first match only.
-std::u16string replace_first_once(std::u16string subject, const icu::UnicodeString& pattern,
-                                  const icu::UnicodeString& replacement, std::uint32_t flags);
-
-// Replaces every match in the UTF-8 `subject`, decoded up to its first U+0000.
-// Returns the result as UTF-8, or `subject` as passed in on any ICU failure.
-std::string replace_all_utf8(const std::string& subject, const icu::UnicodeString& pattern,
-                             const icu::UnicodeString& replacement, std::uint32_t flags);
+// Replaces the matches (all or the first) of `pattern`, compiled with
+// `options` from its text as `text` says, in `subject` up to its first
+// U+0000, with `replacement` (ICU's syntax, up to its first U+0000). Returns
+// ICU's result, or nothing if the pattern does not compile or ICU fails.
+std::optional<icu::UnicodeString> replace_once(std::u16string_view subject,
+                                               std::u16string_view pattern,
+                                               std::u16string_view replacement,
+                                               constants::syntax_option_type options,
+                                               pattern_text text, replace_scope scope);
 
 }  // namespace scl::regex::detail
 

@@ -2,29 +2,30 @@
 #include <optional>
 #include <vector>
 
-#include "object/one_call_regex.h"
-#include "oneshot/match_walk.h"
+#include "object/match_walk.h"
 #include "oneshot/replacement_template.h"
 #include "oneshot/source_locator.h"
 #include "scl/regex/exception.h"
 #include "scl/regex/regex_impl.h"
 #include "scl/regex/source_results.h"
+#include "text/until_nul.h"
 
 namespace scl::regex {
 
 std::u16string regex_replace_preserving(regex& re, const std::u16string& subject,
                                         const std::u16string& replacement) {
   // The replacement is read up to its first U+0000, as by every replace function.
-  const std::u16string template_text = replacement.substr(0, replacement.find(u'\0'));
+  const std::u16string template_text(detail::until_nul(replacement));
   const int group_count = re.getGroupsCount();
-  const detail::source_locator locator(subject, re.options(), group_count);
+  const detail::prepared_subject prepared(subject, re.options(), true);
+  const detail::source_locator locator(prepared, group_count);
   std::vector<detail::replacement_part> parts;
   bool parsed = false;
   bool valid = true;
   std::u16string result;
   std::size_t copied = 0;  // the units of `subject` before this are in `result`
   const bool searched = detail::walk_matches(
-      re, subject,
+      re, subject, prepared,
       [&](const regex_result& match) {
         if (!valid) return;
         if (!parsed) {
@@ -69,7 +70,7 @@ std::u16string regex_replace_preserving(const std::u16string& subject,
                                         constants::syntax_option_type options) {
   std::optional<regex> re;
   try {
-    re.emplace(detail::one_call_regex(pattern, options));
+    re.emplace(pattern, options);
   } catch (const regex_exception&) {
     return subject;
   }

@@ -5,23 +5,23 @@
 
 #include <unicode/utf16.h>
 
-#include "engine/icu_text.h"
 #include "prepare/mark_table.h"
 #include "prepare/prepare_pass.h"
+#include "prepare/prepared_subject.h"
+#include "text/until_nul.h"
 
 namespace scl::regex {
 
 namespace detail {
 
 struct prepared_text_builder {
-  static prepared_text make(const std::u16string& source, constants::syntax_option_type options) {
+  static prepared_text make(std::u16string_view source, constants::syntax_option_type options) {
     prepared_text result;
     // Removing diacritics reads the source up to its first U+0000, unless ICU
     // gives no means to remove them; then the source passes whole.
     const bool up_to_nul =
         (options & constants::ignore_diacritics) != 0 && mark_table::instance().ready();
-    result.source_size_ =
-        up_to_nul ? units_before_nul(source.data(), source.size()) : source.size();
+    result.source_size_ = up_to_nul ? until_nul(source).size() : source.size();
     result.text_.reserve(result.source_size_);
     map_recorder map(result.map_);
     prepare_pass(source.data(), result.source_size_, options, result.text_, map);
@@ -83,5 +83,13 @@ prepared_text prepare_text_mapped(const std::u16string& text,
                                   constants::syntax_option_type options) {
   return detail::prepared_text_builder::make(text, options);
 }
+
+namespace detail {
+
+prepared_text prepare_text_mapped(std::u16string_view text, constants::syntax_option_type options) {
+  return prepared_text_builder::make(text, options);
+}
+
+}  // namespace detail
 
 }  // namespace scl::regex

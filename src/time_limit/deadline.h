@@ -15,8 +15,10 @@
 namespace scl::regex::detail {
 
 // Gives `matcher` the callback that stops its searches at the deadline of the
-// thread that runs them. Costs nothing while no limit is live.
-void watch_deadline(icu::RegexMatcher& matcher) noexcept;
+// thread that runs them. Costs nothing while no limit is live. The callback
+// ignores its context, which the matcher's owner may use for its own ends
+// (`context`, read back with matcher.getMatchCallback).
+void watch_deadline(icu::RegexMatcher& matcher, const void* context = nullptr) noexcept;
 
 // How many match_time_limit objects live, on all threads together. While
 // there are none, a search does not even look at its thread's limits.
@@ -31,16 +33,10 @@ inline void check_deadline(UErrorCode& status) noexcept {
   if (live_time_limits.load(std::memory_order_relaxed) != 0) check_thread_deadline(status);
 }
 
-// RegexMatcher::replaceAll or replaceFirst.
-using replace_member = icu::UnicodeString (icu::RegexMatcher::*)(const icu::UnicodeString&,
-                                                                 UErrorCode&);
-
-// Calls `replace` on `matcher` within the thread's deadline. ICU's replaceAll
-// goes on past a search that the deadline stopped as if there were no more
-// matches; this reports any such stop as U_REGEX_TIME_OUT in `status`.
-icu::UnicodeString replace_within_deadline(icu::RegexMatcher& matcher, replace_member replace,
-                                           const icu::UnicodeString& replacement,
-                                           UErrorCode& status);
+// How many searches this thread's deadlines have stopped so far. A call that
+// makes several searches (ICU's replaceAll) learns from it whether any of them
+// was stopped, which ICU itself does not report.
+unsigned deadline_stops() noexcept;
 
 // A search's status as the library reports it: a search stopped by the
 // deadline is U_REGEX_TIME_OUT.

@@ -76,24 +76,16 @@ UBool until_deadline(const void*, int32_t) {
 
 }  // namespace
 
-void watch_deadline(icu::RegexMatcher& matcher) noexcept {
+void watch_deadline(icu::RegexMatcher& matcher, const void* context) noexcept {
   UErrorCode status = U_ZERO_ERROR;
-  matcher.setMatchCallback(until_deadline, nullptr, status);
+  matcher.setMatchCallback(until_deadline, context, status);
 }
 
 void check_thread_deadline(UErrorCode& status) noexcept {
   if (U_SUCCESS(status) && time_limit_chain::passed()) status = U_REGEX_TIME_OUT;
 }
 
-icu::UnicodeString replace_within_deadline(icu::RegexMatcher& matcher, replace_member replace,
-                                           const icu::UnicodeString& replacement,
-                                           UErrorCode& status) {
-  check_deadline(status);
-  const unsigned stops = time_limit_chain::stops();
-  icu::UnicodeString output = (matcher.*replace)(replacement, status);
-  if (U_SUCCESS(status) && time_limit_chain::stops() != stops) status = U_REGEX_TIME_OUT;
-  return output;
-}
+unsigned deadline_stops() noexcept { return time_limit_chain::stops(); }
 
 }  // namespace detail
 

@@ -26,6 +26,10 @@
 
 namespace scl::regex {
 
+namespace detail {
+struct regex_access;
+}  // namespace detail
+
 // A pattern compiled with options, plus the subject it is searching. Give it
 // subjects with reset and pull successive matches with match or match_ex.
 // Subjects are prepared with the options the pattern was compiled with, and
@@ -101,6 +105,8 @@ class SCL_REGEX_API regex {
   [[nodiscard]] constants::syntax_option_type options() const noexcept { return options_; }
 
  private:
+  friend struct detail::regex_access;
+
   std::unique_ptr<regex_impl_abstract> impl_;
   constants::syntax_option_type options_ = 0;
   std::uint32_t match_flags_ = 0;

@@ -1,6 +1,6 @@
 // Reading a group name as a decimal number.
-#ifndef SCL_REGEX_SRC_ENGINE_GROUP_NUMBER_H
-#define SCL_REGEX_SRC_ENGINE_GROUP_NUMBER_H
+#ifndef SCL_REGEX_SRC_ICU_GROUP_NUMBER_H
+#define SCL_REGEX_SRC_ICU_GROUP_NUMBER_H
 
 #include <string>
 
@@ -13,4 +13,4 @@ int group_number_from_digits(const std::string& name) noexcept;
 
 }  // namespace scl::regex::detail
 
-#endif  // SCL_REGEX_SRC_ENGINE_GROUP_NUMBER_H
+#endif  // SCL_REGEX_SRC_ICU_GROUP_NUMBER_H

@@ -1,26 +1,20 @@
-// Moving text between std::u16string and ICU's UnicodeString, and finding
-// where a text ends (its first U+0000).
-#ifndef SCL_REGEX_SRC_ENGINE_ICU_TEXT_H
-#define SCL_REGEX_SRC_ENGINE_ICU_TEXT_H
+// The library's one rule for U+0000: where a text is handed on as a
+// NUL-terminated string, it ends at its first U+0000 unit. Everything that
+// applies the rule goes through until_nul() (or, when the text is copied at
+// the same time, copy_until_nul()).
+#ifndef SCL_REGEX_SRC_TEXT_UNTIL_NUL_H
+#define SCL_REGEX_SRC_TEXT_UNTIL_NUL_H
 
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <stdexcept>
-#include <string>
+#include <string_view>
 
 #if defined(__SSE2__)
 #include <emmintrin.h>
 #endif
 
-#include <unicode/unistr.h>
-
 namespace scl::regex::detail {
-
-// The whole text, embedded U+0000 units included (length cut to 32 bits).
-inline icu::UnicodeString icu_whole(const std::u16string& text) {
-  return icu::UnicodeString(text.data(), static_cast<int32_t>(text.size()));
-}
 
 // Copies the units at `from` into `to` (unless `to` is null) up to the first
 // U+0000 among `length` of them, in one pass; returns how many there are.
@@ -68,25 +62,11 @@ inline std::size_t units_before_nul(const char16_t* text, std::size_t length) no
   return copy_until_nul(nullptr, text, length);
 }
 
-// The length of the text up to its first U+0000 (cut to 32 bits).
-inline int32_t length_until_nul(const std::u16string& text) {
-  return static_cast<int32_t>(units_before_nul(text.data(), text.size()));
-}
-
-// The text up to its first U+0000.
-inline icu::UnicodeString icu_until_nul(const std::u16string& text) {
-  return icu::UnicodeString(text.c_str());
-}
-
-// The contents of `text` up to its first U+0000. Throws std::logic_error if
-// ICU cannot give a terminated buffer (it could not allocate one).
-inline std::u16string text_until_nul(icu::UnicodeString& text) {
-  const char16_t* buffer = text.getTerminatedBuffer();
-  if (buffer == nullptr)
-    throw std::logic_error("basic_string: construction from null is not valid");
-  return std::u16string(buffer);
+// `text` up to its first U+0000 (all of it if there is none).
+inline std::u16string_view until_nul(std::u16string_view text) noexcept {
+  return text.substr(0, units_before_nul(text.data(), text.size()));
 }
 
 }  // namespace scl::regex::detail
 
-#endif  // SCL_REGEX_SRC_ENGINE_ICU_TEXT_H
+#endif  // SCL_REGEX_SRC_TEXT_UNTIL_NUL_H

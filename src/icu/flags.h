@@ -1,6 +1,6 @@
 // How option bits map to ICU's compile flags.
-#ifndef SCL_REGEX_SRC_ENGINE_ICU_FLAGS_H
-#define SCL_REGEX_SRC_ENGINE_ICU_FLAGS_H
+#ifndef SCL_REGEX_SRC_ICU_FLAGS_H
+#define SCL_REGEX_SRC_ICU_FLAGS_H
 
 #include <cstdint>
 
@@ -20,4 +20,4 @@ constexpr std::uint32_t icu_flags(constants::syntax_option_type options) noexcep
 
 }  // namespace scl::regex::detail
 
-#endif  // SCL_REGEX_SRC_ENGINE_ICU_FLAGS_H
+#endif  // SCL_REGEX_SRC_ICU_FLAGS_H

@@ -1,4 +1,4 @@
-#include "engine/group_number.h"
+#include "icu/group_number.h"
 
 #include <cerrno>
 #include <climits>

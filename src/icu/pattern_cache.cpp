@@ -1,10 +1,8 @@
-#include "cache/pattern_cache.h"
+#include "icu/pattern_cache.h"
 
 #include <algorithm>
 #include <utility>
 #include <vector>
-
-#include "time_limit/deadline.h"
 
 namespace scl::regex::detail {
 namespace {
@@ -69,33 +67,13 @@ pattern_cache& this_thread_cache() {
 
 }  // namespace
 
-shared_pattern compiled_pattern(const icu::UnicodeString& pattern, std::uint32_t flags,
-                                UErrorCode& status, UParseError* where) {
-  if (U_FAILURE(status)) return nullptr;
+shared_pattern cached_pattern(const icu::UnicodeString& text, std::uint32_t flags) {
   pattern_cache& cache = this_thread_cache();
-  if (cache.enabled) {
-    if (shared_pattern found = cache.find(pattern, flags)) return found;
-  }
-  UParseError ignored{};
-  shared_pattern compiled(
-      icu::RegexPattern::compile(pattern, flags, where != nullptr ? *where : ignored, status));
-  if (U_FAILURE(status)) return nullptr;
-  cache.keep(pattern, flags, compiled);
-  return compiled;
+  return cache.enabled ? cache.find(text, flags) : nullptr;
 }
 
-std::unique_ptr<icu::RegexMatcher> new_matcher_of(const icu::RegexPattern& pattern,
-                                                  const icu::UnicodeString* input,
-                                                  UErrorCode& status) {
-  std::unique_ptr<icu::RegexMatcher> matcher(input != nullptr ? pattern.matcher(*input, status)
-                                                              : pattern.matcher(status));
-  if (U_FAILURE(status)) return nullptr;
-  if (matcher == nullptr) {
-    status = U_MEMORY_ALLOCATION_ERROR;
-    return nullptr;
-  }
-  watch_deadline(*matcher);
-  return matcher;
+void keep_pattern(const icu::UnicodeString& text, std::uint32_t flags, shared_pattern compiled) {
+  this_thread_cache().keep(text, flags, std::move(compiled));
 }
 
 void set_pattern_cache_enabled(bool enabled) noexcept {
