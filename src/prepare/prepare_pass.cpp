@@ -17,6 +17,7 @@
 #include <emmintrin.h>
 #endif
 
+#include <unicode/normalizer2.h>
 #include <unicode/unistr.h>
 #include <unicode/utf16.h>
 
@@ -66,30 +67,52 @@ std::size_t nfc_yes_span(const char16_t* text, std::size_t length) {
   return below + i18n::nfc_span(text + below, length - below);
 }
 
-// Appends the NFC form of `length` units at `input` to `out`. Short text goes
-// through a stack buffer; longer text is normalised straight into `out`, with
-// room for as many units as it has (composition rarely lengthens text), and a
-// second pass only when the result needs more.
-void append_nfc(std::u16string& out, const char16_t* input, std::size_t length) {
-  const std::size_t at = out.size();
-  std::size_t needed = 0;
-  if (length <= kNfcStackCapacity) {
-    std::array<char16_t, kNfcStackCapacity> buffer;
-    needed = i18n::to_nfc(buffer.data(), buffer.size(), input, length);
+// Input pieces of at most this many units are normalised on the stack: NFC
+// makes text at most three times longer.
+constexpr std::size_t kNfcPiece = kNfcStackCapacity / 3;
+
+// Where the first piece of `text[0, length)` to normalise on its own ends: at
+// the last NFC boundary within kNfcPiece units, or the first one after them
+// (`length` if there is none). NFC of the whole is NFC of its pieces.
+std::size_t nfc_piece_end(const icu::Normalizer2& nfc, const char16_t* text, std::size_t length) {
+  if (length <= kNfcPiece) return length;
+  std::size_t end = kNfcPiece;
+  if (U16_IS_TRAIL(text[end]) && U16_IS_LEAD(text[end - 1])) --end;
+  for (std::size_t at = end; at > 0;) {
+    UChar32 c;
+    U16_GET(text, 0, at, length, c);
+    if (nfc.hasBoundaryBefore(c)) return at;
+    U16_BACK_1(text, 0, at);
+  }
+  for (std::size_t at = end; at < length;) {
+    UChar32 c;
+    U16_GET(text, 0, at, length, c);
+    if (nfc.hasBoundaryBefore(c)) return at;
+    U16_FWD_1(text, at, length);
+  }
+  return length;
+}
+
+// Appends the NFC form of `length` units at `input` to `out`, piece by piece
+// through a stack buffer (with `nfc`, which finds the pieces; without it, in
+// one piece). Only a piece that outgrows the buffer (hundreds of combining
+// marks in a row) is normalised in place, in room made for it in `out`.
+void append_nfc(std::u16string& out, const char16_t* input, std::size_t length,
+                const icu::Normalizer2* nfc) {
+  std::array<char16_t, kNfcStackCapacity> buffer;
+  while (length > 0) {
+    const std::size_t piece = nfc != nullptr ? nfc_piece_end(*nfc, input, length) : length;
+    const std::size_t needed = i18n::to_nfc(buffer.data(), buffer.size(), input, piece);
     if (needed <= buffer.size()) {
       out.append(buffer.data(), needed);
-      return;
-    }
-  } else {
-    out.resize(at + length);
-    needed = i18n::to_nfc(out.data() + at, length, input, length);
-    if (needed <= length) {
+    } else {
+      const std::size_t at = out.size();
       out.resize(at + needed);
-      return;
+      i18n::to_nfc(out.data() + at, needed, input, piece);
     }
+    input += piece;
+    length -= piece;
   }
-  out.resize(at + needed);
-  i18n::to_nfc(out.data() + at, needed, input, length);
 }
 
 // Appends NFC(remove_Mn(NFD(text[0, length)))) to `out`, through ICU's
@@ -167,15 +190,15 @@ void map_stretch_pieces(Map& map, const char16_t* source, std::size_t begin, std
 template <class Map>
 void nfc_pass(const mark_table& table, const char16_t* text, std::size_t length,
               std::u16string& out, Map& map) {
-  const auto nfc = [](std::u16string& to, const char16_t* from, std::size_t size) {
-    append_nfc(to, from, size);
+  const auto nfc = [&table](std::u16string& to, const char16_t* from, std::size_t size) {
+    append_nfc(to, from, size, &table.nfc());
   };
   const auto never_removed = [](const char16_t*, std::size_t, std::size_t) { return false; };
   if constexpr (!Map::records) {
     // Without a map, everything after the prefix that passes goes to ICU at once.
     const std::size_t kept = nfc_yes_span(text, length);
     out.append(text, kept);
-    if (kept < length) append_nfc(out, text + kept, length - kept);
+    if (kept < length) append_nfc(out, text + kept, length - kept, &table.nfc());
     return;
   }
   std::size_t at = 0;
@@ -196,7 +219,7 @@ void nfc_pass(const mark_table& table, const char16_t* text, std::size_t length,
       end = next;
     }
     const std::size_t written = out.size();
-    append_nfc(out, text + kept, end - kept);
+    append_nfc(out, text + kept, end - kept, &table.nfc());
     map_stretch_pieces(map, text, kept, end, out, written, nfc, never_removed);
     at = end;
   }
@@ -204,9 +227,8 @@ void nfc_pass(const mark_table& table, const char16_t* text, std::size_t length,
 
 // Removal of diacritics, character by character through the mark table.
 //
-// The output is written by index into `out`, sized ahead for the rest of the
-// text; characters that become one unit each are copied in runs, and map unit
-// for unit. Such a character is a piece of its own until marks turn up after
+// Characters that become one unit each are copied in runs, and map unit for
+// unit. Such a character is a piece of its own until marks turn up after
 // it (they join its piece) or a character that may combine with it does (then
 // the stretch from it is prepared again through ICU's normalisers).
 template <class Map>
@@ -218,7 +240,6 @@ class mark_removal {
 
   void run() {
     written_ = out_.size();
-    reserve();
     // Marks at the very start belong to the first piece.
     at_ = skip(at_, is_removed);
     if (at_ < length_) {
@@ -234,15 +255,28 @@ class mark_removal {
       const std::size_t start = at_;
       character(start, table_.next(text_, at_, length_), start);
     }
-    out_.resize(written_);
+    flush();
   }
 
  private:
-  // Room for the rest of the text as it is, and for one replacement more.
-  void reserve() {
-    const std::size_t needed = written_ + (length_ - at_) + kSlack;
-    if (out_.size() < needed) out_.resize(std::max(needed, out_.size() * 2));
-    buffer_ = out_.data();
+  // Output goes through a small buffer on the stack, appended to out_ when it
+  // fills: the output is never grown by zero-filling.
+  void put(char16_t unit) {
+    if (pending_ == chunk_.size()) flush();
+    chunk_[pending_++] = unit;
+    ++written_;
+  }
+
+  void flush() {
+    out_.append(chunk_.data(), pending_);
+    pending_ = 0;
+  }
+
+  // Drops the output from `written` on.
+  void truncate(std::size_t written) {
+    flush();
+    out_.erase(written);
+    written_ = written;
   }
 
   // Characters that become one unit each (most often themselves), `first`
@@ -250,12 +284,12 @@ class mark_removal {
   void copy_run(char16_t first) {
     const std::size_t start = at_;
     const std::size_t from = written_;
-    buffer_[written_++] = first;
+    put(first);
     ++at_;
     while (at_ < length_) {
       const char16_t single = table_.single_unit(text_[at_]);
       if (single == 0) break;
-      buffer_[written_++] = single;
+      put(single);
       ++at_;
     }
     if constexpr (Map::records) {
@@ -270,10 +304,8 @@ class mark_removal {
   void character(std::size_t start, std::uint16_t entry, std::size_t piece_begin) {
     if (entry >= kFirstReplacement) {
       const std::size_t from = written_;
-      const std::size_t length = mark_table::replacement_length(entry);
-      std::copy_n(table_.replacement(entry), length, buffer_ + written_);
-      written_ += length;
-      if (length > at_ - start) reserve();
+      const char16_t* replacement = table_.replacement(entry);
+      for (std::size_t i = 0; i < mark_table::replacement_length(entry); ++i) put(replacement[i]);
       record_piece(from, piece_begin);
       settle(from, piece_begin, false);
       return;
@@ -300,7 +332,7 @@ class mark_removal {
         break;
     }
     const std::size_t from = written_;
-    for (std::size_t unit = start; unit < at_; ++unit) buffer_[written_++] = text_[unit];
+    for (std::size_t unit = start; unit < at_; ++unit) put(text_[unit]);
     if (piece_begin == start) {
       if constexpr (Map::records) {
         if (!aligned_open_) map_.aligned(from, start);
@@ -342,14 +374,13 @@ class mark_removal {
   template <class Prepare>
   void stretch(std::size_t begin, std::size_t from, std::size_t end, std::size_t written,
                Prepare prepare) {
-    out_.resize(written);
+    truncate(written);
     prepare(out_, text_ + from, end - from);
     map_stretch_pieces(map_, text_, begin, end, out_, written, prepare, removed());
     aligned_open_ = false;
     have_last_ = false;
     at_ = end;
     written_ = out_.size();
-    reserve();
   }
 
   // For an unpaired surrogate at text_[start, at_): if it is a lead that
@@ -395,17 +426,17 @@ class mark_removal {
     return table_.next(&unit, at, 1) == kKeep;
   }
 
-  // Units that one replacement may add beyond the character it replaces.
-  static constexpr std::size_t kSlack = 8;
+  static constexpr std::size_t kChunk = 512;
 
   const mark_table& table_;
   const char16_t* text_;
   std::size_t length_;
   std::u16string& out_;
   Map& map_;
-  char16_t* buffer_ = nullptr;  // out_.data()
-  std::size_t at_ = 0;          // the next unit of text_ to read
-  std::size_t written_ = 0;     // units of out_ written
+  std::array<char16_t, kChunk> chunk_;  // output not yet appended to out_
+  std::size_t pending_ = 0;             // units in chunk_
+  std::size_t at_ = 0;                  // the next unit of text_ to read
+  std::size_t written_ = 0;             // units of output: out_ and then chunk_
   bool aligned_open_ = false;   // the map's current stretch maps unit for unit
   // The last character written, while marks or a combining character may
   // still change its piece.
@@ -432,7 +463,7 @@ void prepare_pass(const char16_t* text, std::size_t length, constants::syntax_op
   if (!table.ready()) {
     // ICU gave no means to remove marks: they stay.
     if (nfc) {
-      append_nfc(out, text, length);
+      append_nfc(out, text, length, nullptr);
     } else {
       out.append(text, length);
     }
