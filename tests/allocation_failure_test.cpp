@@ -1,6 +1,7 @@
-// Allocation failures while making handles, observed through allocators that
-// this process installs: ICU's (u_setMemoryFunctions, before any ICU use) and
-// the global operator new.
+// Allocation failures while making handles, and what destroying them frees,
+// observed through allocators that this process installs: ICU's
+// (u_setMemoryFunctions, before any ICU use) and the global operator new and
+// delete.
 #include <atomic>
 #include <cstdlib>
 #include <new>
@@ -18,6 +19,7 @@ std::atomic<bool> fail_next_icu_allocation{false};
 std::atomic<long> icu_live_blocks{0};
 std::atomic<long> icu_frees{0};
 std::atomic<bool> throw_on_next_new{false};
+std::atomic<long> global_deletes{0};
 
 void* icu_alloc(const void*, size_t size) {
   if (fail_next_icu_allocation.exchange(false)) return nullptr;
@@ -53,8 +55,14 @@ void* operator new(std::size_t size) {
   if (void* p = std::malloc(size == 0 ? 1 : size)) return p;
   throw std::bad_alloc();
 }
-void operator delete(void* p) noexcept { std::free(p); }
-void operator delete(void* p, std::size_t) noexcept { std::free(p); }
+void operator delete(void* p) noexcept {
+  if (p != nullptr) ++global_deletes;
+  std::free(p);
+}
+void operator delete(void* p, std::size_t) noexcept {
+  if (p != nullptr) ++global_deletes;
+  std::free(p);
+}
 
 namespace {
 
@@ -111,6 +119,38 @@ TEST(AllocationFailure, DestroyingEmptyOrMovedFromHandlesFreesNothing) {
   ASSERT_NE(live.get(), nullptr);
   live.reset();
   EXPECT_GT(icu_frees, frees);  // the one real handle does free its matcher
+}
+
+// The destroyer frees through ICU's allocator: on a matcher it gives back every
+// block the matcher took, on null it frees nothing from either allocator.
+TEST(MatcherDestroyer, NullPointerDeletesNothing) {
+  (void)createMatcher(u"(a)b", 0x7);  // warm-up: ICU caches some character data on first use
+  for (scl::regex::constants::syntax_option_type options = 0; options < 8; ++options) {
+    SCOPED_TRACE(options);
+    const long live_before = icu_live_blocks;
+    scl::regex::matcher_ptr handle = createMatcher(u"(a)b", options);
+    ASSERT_NE(handle.get(), nullptr);
+    const long live_with_matcher = icu_live_blocks;
+    const scl::regex::detail::matcher_destroyer destroyer = handle.get_deleter();
+
+    // Called on null, directly and through empty handles: no block moves.
+    const long frees = icu_frees;
+    const long deletes = global_deletes;
+    destroyer(nullptr);
+    scl::regex::matcher_ptr empty(nullptr, destroyer);
+    empty.reset();
+    { scl::regex::matcher_ptr goes_out_of_scope; }
+    const long frees_on_null = icu_frees - frees;
+    const long deletes_on_null = global_deletes - deletes;
+    EXPECT_EQ(frees_on_null, 0);
+    EXPECT_EQ(deletes_on_null, 0);
+    EXPECT_EQ(icu_live_blocks, live_with_matcher);
+
+    // The same destroyer on the matcher frees it, so the counts above do see it.
+    destroyer(handle.release());
+    EXPECT_GT(icu_frees, frees);
+    EXPECT_EQ(icu_live_blocks, live_before);
+  }
 }
 
 TEST(AllocationFailure, BadAllocWhilePreparingPatternPropagatesAndLeaksNothing) {
