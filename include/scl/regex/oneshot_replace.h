@@ -1,10 +1,12 @@
 // One-shot replacement and escaping: compile, replace and discard in one call.
 //
+// clang-format off
 //   namespace re = scl::regex;
-//   re::regex_replace(u"a1 b22", u"\\d+", u"<$0>", 0);        // u"a<1> b<22>"
-//   re::regex_replace_first(u"a1 b22", u"\\d+", u"#", 0);     // u"a# b22"
-//   re::regex_replace(std::string("caf\xC3\xA9"), std::string("\xC3\xA9"), std::string("e"), 0); //
-//   "cafe" re::regex_escape(u"1+1=2?");                                // u"1\\+1=2\\?"
+//   re::regex_replace(u"a1 b22", u"\\d+", u"<$0>", 0);     // u"a<1> b<22>"
+//   re::regex_replace_first(u"a1 b22", u"\\d+", u"#", 0);  // u"a# b22"
+//   re::regex_replace(std::string("caf\xC3\xA9"), std::string("\xC3\xA9"), std::string("e"), 0);  // "cafe"
+//   re::regex_escape(u"1+1=2?");                            // u"1\\+1=2\\?"
+// clang-format on
 #ifndef SCL_REGEX_ONESHOT_REPLACE_H
 #define SCL_REGEX_ONESHOT_REPLACE_H
 

@@ -1,11 +1,12 @@
 // Searches that collect matches: every match with its groups, and the text
 // before the first and after the last match.
 //
+// clang-format off
 //   namespace re = scl::regex;
 //   std::vector<re::match_tuple> all;
-//   re::regex_search(u"x=1, y=2", u"(\\w)=(\\d)", all, 0);  // {u"x=1", {u"x", u"1"}}, {u"y=2",
-//   {u"y", u"2"}} auto [before, after] = re::regex_search_prefix_suffix(u"<b>hi</b>!", u"<[^>]+>",
-//   0);  // u"", u"!"
+//   re::regex_search(u"x=1, y=2", u"(\\w)=(\\d)", all, 0);  // {u"x=1", {u"x", u"1"}}, {u"y=2", {u"y", u"2"}}
+//   auto [before, after] = re::regex_search_prefix_suffix(u"<b>hi</b>!", u"<[^>]+>", 0);  // u"", u"!"
+// clang-format on
 #ifndef SCL_REGEX_ONESHOT_SEARCH_H
 #define SCL_REGEX_ONESHOT_SEARCH_H
 

@@ -52,8 +52,8 @@ class SCL_REGEX_API match_time_limit {
  private:
   friend struct detail::time_limit_chain;
 
-  std::chrono::steady_clock::time_point
-      deadline_{};  // the earliest of this and the enclosing limits
+  // The earliest of this and the enclosing limits.
+  std::chrono::steady_clock::time_point deadline_{};
   match_time_limit* enclosing_ = nullptr;
   bool exceeded_ = false;
 };
