@@ -10,8 +10,8 @@
 
 #include <scl/regex.h>
 
-#include "icu/pattern_cache.h"
 #include "i18n/host_i18n.h"
+#include "icu/pattern_cache.h"
 
 namespace {
 

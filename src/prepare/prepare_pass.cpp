@@ -437,7 +437,7 @@ class mark_removal {
   std::size_t pending_ = 0;             // units in chunk_
   std::size_t at_ = 0;                  // the next unit of text_ to read
   std::size_t written_ = 0;             // units of output: out_ and then chunk_
-  bool aligned_open_ = false;   // the map's current stretch maps unit for unit
+  bool aligned_open_ = false;           // the map's current stretch maps unit for unit
   // The last character written, while marks or a combining character may
   // still change its piece.
   bool have_last_ = false;
