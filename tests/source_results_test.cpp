@@ -323,3 +323,42 @@ TEST(ReplacePreserving, RegexFormLeavesTheRegexPastItsLastMatch) {
 }
 
 }  // namespace
+
+// Preparing this text twice is not preparing it once: removing the first mark
+// joins the unpaired surrogates, and the mark after them stays; preparing the
+// result again removes that mark too.
+const std::u16string kPreparedTwiceDiffers = u"\xD800\u0301\xDC00\u0301x";
+
+TEST(PreparedOnce, TheTextPreparesDifferentlyTwice) {
+  const std::u16string once = re::prepare_text(kPreparedTwiceDiffers, 0x4);
+  EXPECT_NE(re::prepare_text(once, 0x4), once);
+  EXPECT_NE(once.find(u'\u0301'), std::u16string::npos);
+}
+
+TEST(PreparedOnce, FindAllSearchesTheSubjectPreparedOnce) {
+  // The mark that survives one preparation is found. The transliterated
+  // stretch it belongs to is one piece of the map: [0, 4).
+  // The pattern names the mark by an escape: a mark typed in the pattern would be removed.
+  re::regex re(u"\\u0301", 0x4);
+  const std::vector<re::source_match> found = re::regex_find_all(re, kPreparedTwiceDiffers);
+  ASSERT_EQ(found.size(), 1u);
+  EXPECT_EQ(found[0].start, 0u);
+  EXPECT_EQ(found[0].end, 4u);
+  // The regex is left reset onto the caller's subject, as a reset would leave it.
+  EXPECT_EQ(re.str(0, 100), re::prepare_text(kPreparedTwiceDiffers, 0x4));
+  EXPECT_EQ(re::regex_find_all(kPreparedTwiceDiffers, u"\\u0301", 0x4).size(), 1u);
+  EXPECT_EQ(re::regex_replace_preserving(kPreparedTwiceDiffers, u"\\u0301", u"!", 0x4),
+            u"!x");
+}
+
+TEST(PreparedOnce, TupleSearchStillPreparesTwice) {
+  // The tuple search resets the regex onto the prepared subject, which the
+  // regex prepares again: the mark is gone by then.
+  std::vector<re::match_tuple> out;
+  re::regex_search(kPreparedTwiceDiffers, u"\\u0301", out, 0x4);
+  EXPECT_TRUE(out.empty());
+  re::regex re(u"x", 0x4);
+  re::regex_search(re, kPreparedTwiceDiffers, out);
+  ASSERT_EQ(out.size(), 1u);
+  EXPECT_EQ(re.str(0, 100), u"\xD800\xDC00x");  // prepared twice
+}

@@ -286,11 +286,22 @@ class mark_removal {
     const std::size_t from = written_;
     put(first);
     ++at_;
-    while (at_ < length_) {
-      const char16_t single = table_.single_unit(text_[at_]);
-      if (single == 0) break;
-      put(single);
-      ++at_;
+    // The hot loop: straight into the chunk, as far as it has room.
+    for (;;) {
+      char16_t* to = chunk_.data() + pending_;
+      const std::size_t room = std::min(chunk_.size() - pending_, length_ - at_);
+      const char16_t* from_unit = text_ + at_;
+      std::size_t copied = 0;
+      while (copied < room) {
+        const char16_t single = table_.single_unit(from_unit[copied]);
+        if (single == 0) break;
+        to[copied++] = single;
+      }
+      pending_ += copied;
+      written_ += copied;
+      at_ += copied;
+      if (copied < room || at_ == length_) break;
+      flush();
     }
     if constexpr (Map::records) {
       if (!aligned_open_) map_.aligned(from, start);
