@@ -347,8 +347,7 @@ TEST(PreparedOnce, FindAllSearchesTheSubjectPreparedOnce) {
   // The regex is left reset onto the caller's subject, as a reset would leave it.
   EXPECT_EQ(re.str(0, 100), re::prepare_text(kPreparedTwiceDiffers, 0x4));
   EXPECT_EQ(re::regex_find_all(kPreparedTwiceDiffers, u"\\u0301", 0x4).size(), 1u);
-  EXPECT_EQ(re::regex_replace_preserving(kPreparedTwiceDiffers, u"\\u0301", u"!", 0x4),
-            u"!x");
+  EXPECT_EQ(re::regex_replace_preserving(kPreparedTwiceDiffers, u"\\u0301", u"!", 0x4), u"!x");
 }
 
 TEST(PreparedOnce, TupleSearchStillPreparesTwice) {
