@@ -1,8 +1,8 @@
 // Shared helpers for the search-fold prototype (table generator and search).
 #pragma once
+#include <unicode/uchar.h>
 #include <unicode/ucol.h>
 #include <unicode/ucoleitr.h>
-#include <unicode/uchar.h>
 #include <unicode/unorm2.h>
 #include <unicode/ustring.h>
 #include <unicode/utf16.h>
@@ -63,10 +63,23 @@ constexpr uint16_t kCommon16 = 0x0500;  // common secondary and tertiary weight 
 // bits 0-21  payload: delta (signed 22 bits) or string (offset << 5 | length)
 enum Kind : uint32_t { K_SELF = 0, K_DELTA = 1, K_STRING = 2, K_NOTHING = 3 };
 enum GClass : uint32_t {
-  G_OTHER = 0, G_CONTROL, G_CR, G_LF, G_EXTEND, G_ZWJ, G_SPACINGMARK, G_PREPEND,
-  G_L, G_V, G_T, G_LV, G_LVT, G_RI, G_EXTPICT,
-  G_VIRAMA,     // Extend, and a virama for ICU's Indic conjunct rule
-  G_LINKCONS    // Other, and a linking consonant for ICU's Indic conjunct rule
+  G_OTHER = 0,
+  G_CONTROL,
+  G_CR,
+  G_LF,
+  G_EXTEND,
+  G_ZWJ,
+  G_SPACINGMARK,
+  G_PREPEND,
+  G_L,
+  G_V,
+  G_T,
+  G_LV,
+  G_LVT,
+  G_RI,
+  G_EXTPICT,
+  G_VIRAMA,   // Extend, and a virama for ICU's Indic conjunct rule
+  G_LINKCONS  // Other, and a linking consonant for ICU's Indic conjunct rule
 };
 inline uint32_t v_kind(uint32_t v) { return v >> 30; }
 inline uint32_t v_gclass(uint32_t v) { return (v >> 25) & 0x1f; }
@@ -81,20 +94,34 @@ constexpr int kGShift = 25, kNfcShift = 24, kCtxShift = 22;
 inline uint32_t gclass_of(UChar32 c) {
   int g = u_getIntPropertyValue(c, UCHAR_GRAPHEME_CLUSTER_BREAK);
   switch (g) {
-    case U_GCB_CONTROL: return G_CONTROL;
-    case U_GCB_CR: return G_CR;
-    case U_GCB_LF: return G_LF;
-    case U_GCB_EXTEND: return G_EXTEND;
-    case U_GCB_ZWJ: return G_ZWJ;
-    case U_GCB_SPACING_MARK: return G_SPACINGMARK;
-    case U_GCB_PREPEND: return G_PREPEND;
-    case U_GCB_L: return G_L;
-    case U_GCB_V: return G_V;
-    case U_GCB_T: return G_T;
-    case U_GCB_LV: return G_LV;
-    case U_GCB_LVT: return G_LVT;
-    case U_GCB_REGIONAL_INDICATOR: return G_RI;
-    default: return u_hasBinaryProperty(c, UCHAR_EXTENDED_PICTOGRAPHIC) ? G_EXTPICT : G_OTHER;
+    case U_GCB_CONTROL:
+      return G_CONTROL;
+    case U_GCB_CR:
+      return G_CR;
+    case U_GCB_LF:
+      return G_LF;
+    case U_GCB_EXTEND:
+      return G_EXTEND;
+    case U_GCB_ZWJ:
+      return G_ZWJ;
+    case U_GCB_SPACING_MARK:
+      return G_SPACINGMARK;
+    case U_GCB_PREPEND:
+      return G_PREPEND;
+    case U_GCB_L:
+      return G_L;
+    case U_GCB_V:
+      return G_V;
+    case U_GCB_T:
+      return G_T;
+    case U_GCB_LV:
+      return G_LV;
+    case U_GCB_LVT:
+      return G_LVT;
+    case U_GCB_REGIONAL_INDICATOR:
+      return G_RI;
+    default:
+      return u_hasBinaryProperty(c, UCHAR_EXTENDED_PICTOGRAPHIC) ? G_EXTPICT : G_OTHER;
   }
 }
 
