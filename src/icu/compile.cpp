@@ -7,7 +7,7 @@
 
 #include "icu/flags.h"
 #include "icu/icu_string.h"
-#include "scl/regex/prepare.h"
+#include "prepare/prepared_subject.h"
 
 namespace scl::regex::detail {
 
@@ -36,7 +36,8 @@ compiled_pattern compile_pattern(std::u16string_view pattern, constants::syntax_
                                  pattern_text text) {
   if (text == pattern_text::as_given_until_nul)
     return compile_prepared(until_nul(pattern), options);
-  const std::u16string prepared = prepare_text(std::u16string(pattern), options);
+  std::u16string prepared;
+  prepare_into(prepared, pattern, options);
   if (text == pattern_text::prepared_until_nul)
     return compile_prepared(until_nul(prepared), options);
   return compile_prepared(prepared, options);

@@ -24,6 +24,7 @@
 #include "i18n/host_i18n.h"
 #include "prepare/mark_table.h"
 #include "prepare/transliterate.h"
+#include "text/until_nul.h"
 
 namespace scl::regex::detail {
 namespace {
@@ -499,6 +500,13 @@ template void prepare_pass<no_map>(const char16_t*, std::size_t, constants::synt
 template void prepare_pass<map_recorder>(const char16_t*, std::size_t,
                                          constants::syntax_option_type, std::u16string&,
                                          map_recorder&);
+
+std::u16string_view preparation_source(std::u16string_view text,
+                                       constants::syntax_option_type options) {
+  const bool up_to_nul =
+      (options & constants::ignore_diacritics) != 0 && mark_table::instance().ready();
+  return up_to_nul ? until_nul(text) : text;
+}
 
 bool preparation_keeps(const char16_t* text, std::size_t length,
                        constants::syntax_option_type options) {

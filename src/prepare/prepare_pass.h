@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "scl/regex/options.h"
@@ -59,6 +60,12 @@ extern template void prepare_pass<no_map>(const char16_t*, std::size_t,
 extern template void prepare_pass<map_recorder>(const char16_t*, std::size_t,
                                                 constants::syntax_option_type, std::u16string&,
                                                 map_recorder&);
+
+// The part of `text` that preparation with `options` reads: removing
+// diacritics stops at the first U+0000 (unless ICU gives no means to remove
+// them; then the text passes whole); otherwise all of it.
+std::u16string_view preparation_source(std::u16string_view text,
+                                       constants::syntax_option_type options);
 
 // True if the `length` units at `text` (no U+0000 among them) come out of
 // prepare_pass with `options` certainly unchanged; false when they may change.

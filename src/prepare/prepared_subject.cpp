@@ -5,7 +5,6 @@
 
 #include "prepare/mark_table.h"
 #include "prepare/prepare_pass.h"
-#include "text/until_nul.h"
 
 namespace scl::regex::detail {
 
@@ -22,15 +21,12 @@ void prepare_into(std::u16string& out, std::u16string_view text,
     out.append(text);
     return;
   }
-  // Removing diacritics reads the text up to its first U+0000, unless ICU
-  // gives no means to remove them; then the text passes whole.
-  if ((options & constants::ignore_diacritics) != 0) {
-    if (!mark_table::instance().ready()) {
-      out.append(text);
-      return;
-    }
-    text = until_nul(text);
+  // Without ICU's means to remove marks, removing them passes the text whole.
+  if ((options & constants::ignore_diacritics) != 0 && !mark_table::instance().ready()) {
+    out.append(text);
+    return;
   }
+  text = preparation_source(text, options);
   out.reserve(out.size() + text.size());
   no_map map;
   prepare_pass(text.data(), text.size(), options, out, map);

@@ -5,10 +5,8 @@
 
 #include <unicode/utf16.h>
 
-#include "prepare/mark_table.h"
 #include "prepare/prepare_pass.h"
 #include "prepare/prepared_subject.h"
-#include "text/until_nul.h"
 
 namespace scl::regex {
 
@@ -17,11 +15,7 @@ namespace detail {
 struct prepared_text_builder {
   static prepared_text make(std::u16string_view source, constants::syntax_option_type options) {
     prepared_text result;
-    // Removing diacritics reads the source up to its first U+0000, unless ICU
-    // gives no means to remove them; then the source passes whole.
-    const bool up_to_nul =
-        (options & constants::ignore_diacritics) != 0 && mark_table::instance().ready();
-    result.source_size_ = up_to_nul ? until_nul(source).size() : source.size();
+    result.source_size_ = preparation_source(source, options).size();
     result.text_.reserve(result.source_size_);
     map_recorder map(result.map_);
     prepare_pass(source.data(), result.source_size_, options, result.text_, map);
