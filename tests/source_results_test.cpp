@@ -9,6 +9,7 @@
 #include "support/hex.h"
 
 #include <scl/regex.h>
+#include <scl/regex/regex_impl_icu.h>
 
 namespace {
 
@@ -360,4 +361,31 @@ TEST(PreparedOnce, TupleSearchStillPreparesTwice) {
   re::regex_search(re, kPreparedTwiceDiffers, out);
   ASSERT_EQ(out.size(), 1u);
   EXPECT_EQ(re.str(0, 100), u"\xD800\xDC00x");  // prepared twice
+}
+
+// An engine derived from the library's own, which sees every subject it is reset onto.
+class watching_engine : public re::detail::regex_impl_icu {
+ public:
+  explicit watching_engine(std::vector<std::u16string>& seen) : seen_(seen) {}
+  void reset(const std::u16string& subject, re::constants::syntax_option_type options) override {
+    seen_.push_back(subject);
+    regex_impl_icu::reset(subject, options);
+  }
+
+ private:
+  std::vector<std::u16string>& seen_;
+};
+
+TEST(PreparedOnce, AnEngineDerivedFromTheLibrarysIsResetThroughItsInterface) {
+  // Only the library's own engine takes the prepared subject directly; an
+  // override of reset must still see the caller's subject.
+  std::vector<std::u16string> seen;
+  re::regex re(u"cafe", 0x5, std::make_unique<watching_engine>(seen));
+  const std::u16string subject = u"Un CAFE\u0301, un caf\u00e9.";
+  const std::vector<re::source_match> found = re::regex_find_all(re, subject);
+  ASSERT_EQ(found.size(), 2u);
+  EXPECT_EQ(found[0].start, 3u);
+  EXPECT_EQ(found[0].end, 8u);
+  EXPECT_EQ(re::regex_replace_preserving(re, subject, u"th\u00e9"), u"Un th\u00e9, un th\u00e9.");
+  EXPECT_EQ(seen, (std::vector<std::u16string>{subject, subject}));
 }
