@@ -1,0 +1,184 @@
+// Search as a person means it: "lodz" finds "Łódź", "usb" finds "ＵＳＢ".
+//
+// clang-format off
+//   namespace re = scl::regex;
+//   const re::search_pattern lodz(u"lodz");
+//   lodz.find_all(u"\u0141\u00f3d\u017a, \u0141OD\u0179");  // {0, 4}, {6, 10}
+//   lodz.found_in("Lodz");                                     // true (UTF-8 text)
+//   re::search_pattern(u"usb").find_first(u"\uff35\uff33\uff22 cable");  // {0, 3}
+//   re::search_pattern("cafe").replace_all("Caf\xc3\xa9 cr\xc3\xa8me", "tea");  // "tea cr\xc3\xa8me"
+//   re::search_fold(u"Stra\u00dfe").text();                     // u"strasse"
+// clang-format on
+//
+// Search folding treats as equal what ICU's root collator treats as equal at
+// primary strength: it ignores case, accents, width, ligatures and the form
+// of digits, and keeps letters apart (ı and i, й and и, þ and th, a virama
+// and its absence). Positions are reported in the caller's own text, in
+// UTF-16 units or, for the UTF-8 forms, in bytes.
+//
+// The fold. Text is normalised to NFC, then every code point is replaced by
+// its fold: for each non-zero primary weight of its root collation elements,
+// in order, the representative of that primary. The representative of a
+// primary is the smallest code point whose collation elements are that
+// primary alone with common secondary and tertiary weights. So ASCII letters
+// fold to lowercase ASCII, "Ł" to "l", "ø" to "o", "ß" to "ss", "æ" to "ae",
+// "ﬁ" to "fi", "™" to "tm", "١" to "1"; a Hangul syllable folds to its jamo
+// and a Han character to itself.
+//   - Kana. About fifty primaries, all Japanese kana, have no such code
+//     point. Their representative is the smallest code point whose collation
+//     elements are that primary alone, whatever the secondary and tertiary
+//     weights: the small hiragana where there is one, else the hiragana
+//     ("ア", "ｱ", "あ" and "ぁ" fold to "ぁ"; "カ", "が" and "か" to "か").
+//   - Characters that are ignorable at primary strength fold to nothing:
+//     combining marks, the soft hyphen, ZWJ, U+0000.
+//   - The middle dot U+00B7 right after "l" or "L" folds to nothing (the
+//     root collator's Catalan "l·l"); elsewhere it folds to itself.
+//   - A lone surrogate folds to itself; in UTF-8 text every ill-formed
+//     sequence (maximal subpart) reads as U+FFFD.
+//   - A few representatives are not in NFC themselves: U+2329 and U+232A,
+//     some CJK compatibility ideographs, Tibetan vowel signs.
+// For every assigned code point c, fold(c) is primary-equal to c, and
+// folding is idempotent, with one exception: a two-part vowel whose parts
+// are separated by a character that folds to nothing (U+09C7 ZWJ U+09BE)
+// folds to the two parts, which NFC then composes.
+//
+// The map. Folded text maps back to the caller's text in pieces (see
+// prepared_text): a character that folds to nothing joins the piece before
+// it when it extends a grapheme (marks, ZWJ; not after a control, a line
+// break or another such piece); any other character that folds to nothing
+// (the soft hyphen, U+0000, the middle dot after "l") is an empty piece of
+// its own. A stretch that NFC changes is one piece.
+//
+// Literal search finds, on NFC text, what ICU's usearch finds with the root
+// collator at primary strength going forward without overlap: a match covers
+// whole pieces ("s" is not found in "ß"), starts on a grapheme-cluster
+// boundary ("💻" is not found in "👩‍💻"), and takes the marks and ZWJ after
+// its last character ("e" in "e" U+0301 is [0, 2)) but not a soft hyphen
+// around it. No match edge falls between a Thai, Lao, New Tai Lue or Tai Viet
+// prevowel and the consonant it forms a root contraction with, and a match
+// does not end between two characters that reorder canonically. A query
+// that folds to nothing finds nothing.
+//
+// Where this differs from usearch: the fold is made per code point, so root
+// contractions that NFC leaves alone and that turn into another primary are
+// read as their parts.
+//   - Thai nikhahit + sara aa written apart (U+0E4D U+0E32) reads as sara aa
+//     (the collator reads sara am, U+0E33); likewise Lao U+0ECD U+0EB2.
+//   - Tibetan subjoined letters and vowel signs that the collator contracts
+//     (U+0F71 with U+0F72, U+0F74 or U+0F80; U+0FB2 or U+0FB3 with U+0F80,
+//     or with U+0F71 and one of those) read as their parts.
+//   - A discontiguous contraction (the collator skipping a mark to reach the
+//     second half) is not formed.
+//   - A query that ends in a prevowel is compared in written order, where
+//     the collator compares a prevowel and its consonant swapped.
+//
+// Thread safety: a search_pattern is immutable after construction; any number
+// of threads may search with one object, or with copies of it, at once.
+// Searches honour the calling thread's match_time_limit.
+#ifndef SCL_REGEX_SEARCH_PATTERN_H
+#define SCL_REGEX_SEARCH_PATTERN_H
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <scl/regex/check_pattern.h>
+#include <scl/regex/export.h>
+#include <scl/regex/prepared_text.h>
+#include <scl/regex/source_results.h>
+
+namespace scl::regex {
+
+// How a search_pattern reads its query.
+enum class query_syntax {
+  literal,  // the query is text: every character stands for itself
+  regex,    // the query is an ICU regular expression (not supported yet)
+};
+
+// Returns `text` folded for search (see above), with its map back to `text`:
+// source_range() gives the range of `text` that folded units came from, and
+// source_size() is text.size(). Throws std::bad_alloc, or regex_exception
+// with U_INPUT_TOO_LONG_ERROR for text of 2^32 - 1 units or more.
+[[nodiscard]] SCL_REGEX_API prepared_text search_fold(std::u16string_view text);
+
+namespace detail {
+struct search_program;
+}  // namespace detail
+
+// A query, folded once, for searching any number of texts.
+//
+// Each match is a source_match in the caller's text: UTF-16 units for the
+// std::u16string_view forms, bytes for the std::string_view (UTF-8) forms,
+// with groups == {{start, end}}. Matches come in text order and do not
+// overlap.
+//
+// Errors: a search that fails (stopped by match_time_limit, an ICU error)
+// throws regex_exception with ICU's code (U_REGEX_TIME_OUT for the time
+// limit); there are no partial results. Texts of 2^32 - 1 units or bytes or
+// more throw regex_exception with U_INPUT_TOO_LONG_ERROR. Out of memory
+// throws std::bad_alloc.
+class SCL_REGEX_API search_pattern {
+ public:
+  // An empty literal query: finds nothing.
+  search_pattern();
+
+  // Folds `query` for search. A literal query never fails. A regex query
+  // throws regex_exception with U_UNSUPPORTED_ERROR (regex queries are not
+  // supported yet). A UTF-8 query is the same query as its UTF-16 form, its
+  // ill-formed sequences read as U+FFFD.
+  explicit search_pattern(std::u16string_view query, query_syntax syntax = query_syntax::literal);
+  explicit search_pattern(std::string_view utf8_query, query_syntax syntax = query_syntax::literal);
+
+  // Copies are cheap: they share the folded query.
+  search_pattern(const search_pattern&) noexcept;
+  search_pattern(search_pattern&&) noexcept;
+  search_pattern& operator=(const search_pattern&) noexcept;
+  search_pattern& operator=(search_pattern&&) noexcept;
+  ~search_pattern();
+
+  // Returns no value if search_pattern(query, syntax) would succeed, else the
+  // error it would throw, with its offset in `query` (UTF-16 units, or bytes
+  // for the UTF-8 form; npos where there is none) and a description for
+  // people. A literal query never fails. Throws only std::bad_alloc.
+  [[nodiscard]] static std::optional<pattern_error> check(std::u16string_view query,
+                                                          query_syntax syntax);
+  [[nodiscard]] static std::optional<pattern_error> check(std::string_view utf8_query,
+                                                          query_syntax syntax);
+
+  // The syntax the query was read with.
+  [[nodiscard]] query_syntax syntax() const noexcept;
+  // The number of capturing groups of the query: 0 for a literal query.
+  [[nodiscard]] int group_count() const noexcept;
+  // The number of the group called `name`, or -1 if there is none.
+  [[nodiscard]] int group_number(std::string_view name) const noexcept;
+
+  // Whether the query is found in `text`; stops at the first match.
+  [[nodiscard]] bool found_in(std::u16string_view text) const;
+  // The first match in `text`, or no value; find_all(text).front() if any.
+  [[nodiscard]] std::optional<source_match> find_first(std::u16string_view text) const;
+  // Every match in `text`, in order, without overlap.
+  [[nodiscard]] std::vector<source_match> find_all(std::u16string_view text) const;
+  // `text` with the range of every match replaced by `replacement`, taken
+  // literally. Every unit outside the matches is kept as it was, U+0000 and
+  // lone surrogates included.
+  [[nodiscard]] std::u16string replace_all(std::u16string_view text,
+                                           std::u16string_view replacement) const;
+
+  // The same for UTF-8 text, with positions in bytes. The text is folded as
+  // it is read, without a UTF-16 copy. replace_all keeps every byte outside
+  // the matches exactly, ill-formed ones included.
+  [[nodiscard]] bool found_in(std::string_view utf8_text) const;
+  [[nodiscard]] std::optional<source_match> find_first(std::string_view utf8_text) const;
+  [[nodiscard]] std::vector<source_match> find_all(std::string_view utf8_text) const;
+  [[nodiscard]] std::string replace_all(std::string_view utf8_text,
+                                        std::string_view utf8_replacement) const;
+
+ private:
+  std::shared_ptr<const detail::search_program> program_;
+};
+
+}  // namespace scl::regex
+
+#endif  // SCL_REGEX_SEARCH_PATTERN_H
