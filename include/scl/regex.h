@@ -32,6 +32,7 @@
 #include <scl/regex/regex_impl.h>
 #include <scl/regex/regex_iterator.h>
 #include <scl/regex/result.h>
+#include <scl/regex/search_pattern.h>
 #include <scl/regex/source_results.h>
 #include <scl/regex/time_limit.h>
 

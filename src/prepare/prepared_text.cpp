@@ -2,26 +2,36 @@
 
 #include <algorithm>
 #include <stdexcept>
+#include <utility>
 
 #include <unicode/utf16.h>
 
 #include "prepare/prepare_pass.h"
 #include "prepare/prepared_subject.h"
+#include "prepare/prepared_text_builder.h"
 
 namespace scl::regex {
 
 namespace detail {
 
-struct prepared_text_builder {
-  static prepared_text make(std::u16string_view source, constants::syntax_option_type options) {
-    prepared_text result;
-    result.source_size_ = preparation_source(source, options).size();
-    result.text_.reserve(result.source_size_);
-    map_recorder map(result.map_);
-    prepare_pass(source.data(), result.source_size_, options, result.text_, map);
-    return result;
-  }
-};
+prepared_text prepared_text_builder::make(std::u16string_view source,
+                                          constants::syntax_option_type options) {
+  prepared_text result;
+  result.source_size_ = preparation_source(source, options).size();
+  result.text_.reserve(result.source_size_);
+  map_recorder map(result.map_);
+  prepare_pass(source.data(), result.source_size_, options, result.text_, map);
+  return result;
+}
+
+prepared_text prepared_text_builder::assemble(std::u16string text, std::size_t source_size,
+                                              std::vector<map_stretch> map) {
+  prepared_text result;
+  result.text_ = std::move(text);
+  result.source_size_ = source_size;
+  result.map_ = std::move(map);
+  return result;
+}
 
 }  // namespace detail
 

@@ -1,0 +1,101 @@
+// What the fold table stores for each code point, in one 32-bit value.
+//
+//   bits 30-31  kind: the code point folds to itself, to one other code point
+//               (itself + delta), to a string of the pool, or to nothing
+//   bits 25-29  grapheme class (grapheme_class below)
+//   bit  24     NFC_Quick_Check is not Yes: text around it may need NFC
+//   bit  23     a Logical_Order_Exception prevowel that starts root contractions
+//   bit  22     canonical combining class is not 0
+//   bits 0-21   the delta (signed), or the pool string as offset << 5 | length
+#ifndef SCL_REGEX_SRC_SEARCH_FOLD_VALUE_H
+#define SCL_REGEX_SRC_SEARCH_FOLD_VALUE_H
+
+#include <cstdint>
+
+namespace scl::regex::detail {
+
+enum class fold_kind : std::uint32_t { self = 0, delta = 1, pool = 2, nothing = 3 };
+
+// The character's Grapheme_Cluster_Break class, as ICU's character break
+// iterator sees it: two classes are split off for ICU's Indic conjunct rule
+// (LinkingConsonant ExtCccZwj* Virama ExtCccZwj* x LinkingConsonant).
+enum class grapheme_class : std::uint32_t {
+  other,
+  control,
+  cr,
+  lf,
+  extend,
+  zwj,
+  spacing_mark,
+  prepend,
+  l,
+  v,
+  t,
+  lv,
+  lvt,
+  regional_indicator,
+  extended_pictographic,
+  virama,             // an Extend character that links consonants
+  linking_consonant,  // an Other character that a virama links to the consonant before it
+};
+
+// A pair of code points, as the table stores them.
+struct code_point_pair {
+  char32_t first;
+  char32_t second;
+};
+
+namespace fold_value {
+
+constexpr int kind_shift = 30;
+constexpr int class_shift = 25;
+constexpr std::uint32_t needs_nfc_bit = 1U << 24;
+constexpr std::uint32_t prevowel_bit = 1U << 23;
+constexpr std::uint32_t combining_bit = 1U << 22;
+constexpr std::uint32_t payload_mask = (1U << 22) - 1;
+constexpr int length_bits = 5;
+constexpr std::uint32_t max_length = (1U << length_bits) - 1;
+constexpr std::uint32_t max_pool_offset = payload_mask >> length_bits;
+
+constexpr fold_kind kind(std::uint32_t value) {
+  return static_cast<fold_kind>(value >> kind_shift);
+}
+constexpr grapheme_class klass(std::uint32_t value) {
+  return static_cast<grapheme_class>((value >> class_shift) & 0x1F);
+}
+constexpr bool needs_nfc(std::uint32_t value) { return (value & needs_nfc_bit) != 0; }
+constexpr bool prevowel(std::uint32_t value) { return (value & prevowel_bit) != 0; }
+constexpr bool combining(std::uint32_t value) { return (value & combining_bit) != 0; }
+constexpr std::int32_t delta(std::uint32_t value) {
+  // Sign-extends the 22-bit payload.
+  return static_cast<std::int32_t>((value & payload_mask) ^ (1U << 21)) - (1 << 21);
+}
+constexpr std::uint32_t pool_offset(std::uint32_t value) {
+  return (value & payload_mask) >> length_bits;
+}
+constexpr std::uint32_t pool_length(std::uint32_t value) { return value & max_length; }
+
+constexpr std::uint32_t make(fold_kind kind, std::uint32_t payload) {
+  return static_cast<std::uint32_t>(kind) << kind_shift | (payload & payload_mask);
+}
+constexpr std::uint32_t with_class(std::uint32_t value, grapheme_class klass) {
+  return value | static_cast<std::uint32_t>(klass) << class_shift;
+}
+
+}  // namespace fold_value
+
+// Whether a character of this class extends the grapheme before it.
+constexpr bool extends_grapheme(grapheme_class klass) {
+  return klass == grapheme_class::extend || klass == grapheme_class::zwj ||
+         klass == grapheme_class::spacing_mark || klass == grapheme_class::virama;
+}
+
+// Whether a grapheme always ends after a character of this class.
+constexpr bool is_break_class(grapheme_class klass) {
+  return klass == grapheme_class::control || klass == grapheme_class::cr ||
+         klass == grapheme_class::lf;
+}
+
+}  // namespace scl::regex::detail
+
+#endif  // SCL_REGEX_SRC_SEARCH_FOLD_VALUE_H

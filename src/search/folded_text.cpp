@@ -1,0 +1,327 @@
+#include "search/folded_text.h"
+
+#include <algorithm>
+#include <string>
+
+#include <unicode/uchar.h>
+#include <unicode/unorm2.h>
+
+#include "scl/regex/exception.h"
+#include "search/code_points.h"
+#include "time_limit/deadline.h"
+
+namespace scl::regex::detail {
+
+int32_t folded_text::piece_end(int32_t end) const {
+  int32_t piece_end = end < size ? origin[end] : source_size;
+  const auto empty = std::upper_bound(empty_pieces.begin(), empty_pieces.end(), origin[end - 1]);
+  if (empty != empty_pieces.end() && *empty < piece_end) piece_end = *empty;
+  return piece_end;
+}
+
+void folded_text::grow(int32_t more) {
+  const std::size_t needed = static_cast<std::size_t>(size) + static_cast<std::size_t>(more);
+  const std::size_t capacity = std::max(needed, units.size() * 2);
+  units.resize(capacity);
+  origin.resize(capacity);
+}
+
+void folded_text::trim() {
+  constexpr std::size_t kept = 1 << 16;
+  if (units.size() > kept) {
+    units = {};
+    origin = {};
+  }
+  if (empty_pieces.capacity() > kept) empty_pieces = {};
+}
+
+namespace {
+
+constexpr UChar32 middle_dot = 0xB7;
+constexpr int32_t longest_fold = 32;  // units; the longest fold has 18
+// Source units folded between two looks at the clock.
+constexpr int32_t chunk = 1 << 16;
+
+bool is_l(UChar32 c) { return c == u'l' || c == u'L'; }
+
+template <class Unit>
+class folder {
+ public:
+  folder(const fold_table& table, const Unit* text, int32_t size, folded_text& out)
+      : table_(table), text_(text), size_(size), out_(out) {
+    out_.size = 0;
+    out_.source_size = size;
+    out_.empty_pieces.clear();
+  }
+
+  void run(bool watch_time) {
+    int32_t at = 0;
+    while (at < size_) {
+      if (watch_time) {
+        UErrorCode status = U_ZERO_ERROR;
+        check_deadline(status);
+        if (U_FAILURE(status)) throw regex_exception(status);
+      }
+      const int32_t end = size_ - at > chunk ? at + chunk : size_;
+      while (at < end) {
+        const int32_t stop = fold_run(at, end, true);
+        at = stop < end ? normalise_segment(stop) : stop;
+      }
+    }
+  }
+
+ private:
+  // Folds the characters that start in [at, end); with `check`, stops at the
+  // first one around which the text may not be in NFC, and returns where that
+  // starts. Otherwise returns where the last character ends.
+  int32_t fold_run(int32_t at, int32_t end, bool check) {
+    while (at < end) {
+      at = fold_latin(at, end);
+      if (at >= end) break;
+      const int32_t start = at;
+      const UChar32 c = next_code_point(text_, at, size_);
+      const std::uint32_t value = table_.value(c);
+      if (check && out_of_nfc(c, value)) return start;
+      previous_combining_ = fold_value::combining(value);
+      out_.reserve_more(longest_fold);
+      fold_code_point(c, value, start);
+    }
+    return at;
+  }
+
+  // Characters that the Latin table folds, as long as they come.
+  int32_t fold_latin(int32_t at, int32_t end) {
+    out_.reserve_more(2 * (end - at) + 2);
+    char16_t* units = out_.units.data() + out_.size;
+    int32_t* origin = out_.origin.data() + out_.size;
+    const int32_t first = at;
+    UChar32 last = -1;
+    while (at < end) {
+      UChar32 c = static_cast<unsigned char>(text_[at]);
+      int32_t length = 1;
+      if constexpr (sizeof(Unit) == 2) {
+        c = text_[at];
+        if (c >= fold_table::latin_limit) break;
+      } else if (c >= 0x80) {
+        // Two-byte sequences up to U+02FF: C2..CB, then a trail byte.
+        if (c < 0xC2 || c > 0xCB || at + 1 >= size_) break;
+        const auto trail = static_cast<unsigned char>(text_[at + 1]);
+        if ((trail & 0xC0) != 0x80) break;
+        c = (c & 0x1F) << 6 | (trail & 0x3F);
+        length = 2;
+      }
+      const std::uint32_t fold = table_.latin(static_cast<char16_t>(c));
+      if (fold == fold_table::latin_slow) break;
+      if (fold == fold_table::latin_nothing) {
+        out_.empty_pieces.push_back(at);
+      } else {
+        *units++ = static_cast<char16_t>(fold);
+        *origin++ = at;
+        if (fold > 0xFFFF) {
+          *units++ = static_cast<char16_t>(fold >> 16);
+          *origin++ = at;
+        }
+      }
+      last = c;
+      at += length;
+    }
+    out_.size = static_cast<int32_t>(units - out_.units.data());
+    if (at > first) {
+      previous_ = last;
+      previous_combining_ = false;
+      last_piece_empty_ = table_.latin(static_cast<char16_t>(last)) == fold_table::latin_nothing;
+    }
+    return at;
+  }
+
+  // Whether NFC could change the text around `c`: it is not NFC_QC=Yes, or
+  // it is a mark out of canonical order.
+  bool out_of_nfc(UChar32 c, std::uint32_t value) const {
+    if (fold_value::needs_nfc(value)) return true;
+    return fold_value::combining(value) && previous_combining_ &&
+           u_getCombiningClass(c) < u_getCombiningClass(previous_);
+  }
+
+  void put(UChar32 c, int32_t origin) {
+    if (c <= 0xFFFF) {
+      out_.units[out_.size] = static_cast<char16_t>(c);
+      out_.origin[out_.size++] = origin;
+    } else {
+      out_.units[out_.size] = U16_LEAD(c);
+      out_.origin[out_.size++] = origin;
+      out_.units[out_.size] = U16_TRAIL(c);
+      out_.origin[out_.size++] = origin;
+    }
+  }
+
+  // Appends the fold of `c` to the folded text; returns false if it folds to nothing.
+  bool put_fold(UChar32 c, std::uint32_t value, int32_t origin) {
+    switch (fold_value::kind(value)) {
+      case fold_kind::self:
+        put(c, origin);
+        return true;
+      case fold_kind::delta:
+        put(c + fold_value::delta(value), origin);
+        return true;
+      case fold_kind::pool: {
+        const char16_t* units = table_.pool() + fold_value::pool_offset(value);
+        const std::uint32_t length = fold_value::pool_length(value);
+        for (std::uint32_t k = 0; k < length; ++k) {
+          out_.units[out_.size] = units[k];
+          out_.origin[out_.size++] = origin;
+        }
+        return true;
+      }
+      case fold_kind::nothing:
+        break;
+    }
+    return false;
+  }
+
+  // Whether a character of class `klass` that folds to nothing joins the piece
+  // before it.
+  bool joins_previous(grapheme_class klass) const {
+    return extends_grapheme(klass) && out_.size > 0 && !last_piece_empty_ && previous_ >= 0 &&
+           !is_break_class(fold_value::klass(table_.value(previous_)));
+  }
+
+  void empty_piece(int32_t at) {
+    out_.empty_pieces.push_back(at);
+    last_piece_empty_ = true;
+  }
+
+  // Folds `c`, which starts at `at`, as a piece of its own, or joins it to the
+  // piece before it.
+  void fold_code_point(UChar32 c, std::uint32_t value, int32_t at) {
+    if (c == middle_dot && is_l(previous_)) {
+      empty_piece(at);
+    } else if (put_fold(c, value, at)) {
+      last_piece_empty_ = false;
+    } else if (!joins_previous(fold_value::klass(value))) {
+      empty_piece(at);
+    }
+    previous_ = c;
+  }
+
+  // Whether NFC gives `segment` back as it is, settled without normalising
+  // in the common case (marks in canonical order, none of which composes with
+  // the starter before it); `false` means "not known".
+  bool quick_nfc(std::u16string_view segment) const {
+    const char16_t* units = segment.data();
+    const auto size = static_cast<int32_t>(segment.size());
+    UChar32 starter = -1;
+    bool adjacent = false;  // nothing stands between the starter and this character
+    int previous_class = 0;
+    for (int32_t at = 0; at < size;) {
+      const UChar32 c = next_code_point(units, at, size);
+      const int klass = u_getCombiningClass(c);
+      if (klass != 0 && klass < previous_class) return false;
+      const auto check =
+          static_cast<UNormalizationCheckResult>(u_getIntPropertyValue(c, UCHAR_NFC_QUICK_CHECK));
+      if (check == UNORM_NO) return false;
+      const bool blocked = klass == 0 ? !adjacent : previous_class >= klass;
+      if (check == UNORM_MAYBE && starter >= 0 && !blocked &&
+          unorm2_composePair(table_.nfc(), starter, c) >= 0) {
+        return false;
+      }
+      if (klass == 0) {
+        starter = c;
+        adjacent = true;
+      } else {
+        adjacent = false;
+      }
+      previous_class = klass;
+    }
+    return true;
+  }
+
+  // The text from the last normalisation boundary at or before `at` to the
+  // next one after it, folded as NFC has it. Returns where that ends.
+  int32_t normalise_segment(int32_t at) {
+    const UNormalizer2* nfc = table_.nfc();
+    int32_t start = at;
+    while (start > 0 && unorm2_hasBoundaryBefore(nfc, code_point_at(text_, start, size_)) == 0) {
+      previous_code_point(text_, start);
+    }
+    int32_t end = at;
+    next_code_point(text_, end, size_);
+    while (end < size_) {
+      int32_t next = end;
+      if (unorm2_hasBoundaryBefore(nfc, next_code_point(text_, next, size_)) != 0) break;
+      end = next;
+    }
+
+    // What was folded from `start` on goes; the state is the one before it.
+    while (out_.size > 0 && out_.origin[out_.size - 1] >= start) --out_.size;
+    while (!out_.empty_pieces.empty() && out_.empty_pieces.back() >= start) {
+      out_.empty_pieces.pop_back();
+    }
+    previous_ = start > 0 ? code_point_before(text_, start) : -1;
+    previous_combining_ = previous_ >= 0 && fold_value::combining(table_.value(previous_));
+    last_piece_empty_ = !out_.empty_pieces.empty() &&
+                        (out_.size == 0 || out_.empty_pieces.back() > out_.origin[out_.size - 1]);
+
+    segment_.clear();
+    for (int32_t k = start; k < end;) {
+      const UChar32 c = next_code_point(text_, k, size_);
+      if (c <= 0xFFFF) {
+        segment_ += static_cast<char16_t>(c);
+      } else {
+        segment_ += static_cast<char16_t>(U16_LEAD(c));
+        segment_ += static_cast<char16_t>(U16_TRAIL(c));
+      }
+    }
+    if (quick_nfc(segment_)) return std::max(end, fold_run(start, end, false));
+    UErrorCode status = U_ZERO_ERROR;
+    normalised_.resize(segment_.size() * 3 + 8);
+    const int32_t length =
+        unorm2_normalize(nfc, segment_.data(), static_cast<int32_t>(segment_.size()),
+                         normalised_.data(), static_cast<int32_t>(normalised_.size()), &status);
+    if (U_FAILURE(status)) throw regex_exception(status);
+    normalised_.resize(static_cast<std::size_t>(length));
+    if (normalised_ == segment_) return std::max(end, fold_run(start, end, false));
+
+    // NFC changed it: the whole segment is one piece.
+    const UChar32 first = code_point_at(normalised_.data(), 0, length);
+    const int32_t before = out_.size;
+    UChar32 previous = previous_;
+    for (int32_t k = 0; k < length;) {
+      const UChar32 c = next_code_point(normalised_.data(), k, length);
+      out_.reserve_more(longest_fold);
+      if (!(c == middle_dot && is_l(previous))) put_fold(c, table_.value(c), start);
+      previous = c;
+    }
+    if (out_.size > before) {
+      last_piece_empty_ = false;
+    } else if (!joins_previous(fold_value::klass(table_.value(first)))) {
+      empty_piece(start);
+    }
+    previous_ = code_point_before(text_, end);
+    previous_combining_ = fold_value::combining(table_.value(previous_));
+    return end;
+  }
+
+  const fold_table& table_;
+  const Unit* text_;
+  int32_t size_;
+  folded_text& out_;
+  UChar32 previous_ = -1;            // the code point before the next one to fold
+  bool previous_combining_ = false;  // whether its combining class is not 0
+  bool last_piece_empty_ = false;    // whether the last piece folded to nothing
+  std::u16string segment_;
+  std::u16string normalised_;
+};
+
+}  // namespace
+
+void fold_text(const fold_table& table, const char16_t* text, int32_t size, bool watch_time,
+               folded_text& out) {
+  folder<char16_t>(table, text, size, out).run(watch_time);
+}
+
+void fold_text(const fold_table& table, const char* text, int32_t size, bool watch_time,
+               folded_text& out) {
+  folder<char>(table, text, size, out).run(watch_time);
+}
+
+}  // namespace scl::regex::detail

@@ -1,0 +1,55 @@
+// Text folded for search, with the map back to the text it came from.
+//
+// The map is made of pieces: runs of whole source characters that fold to a
+// run of whole folded units. Each folded unit records where its piece starts
+// in the source; a piece that folds to nothing (a soft hyphen, U+0000, the
+// middle dot after "l") is recorded in `empty_pieces`. Pieces tile the source,
+// so a piece ends where the next one starts.
+#ifndef SCL_REGEX_SRC_SEARCH_FOLDED_TEXT_H
+#define SCL_REGEX_SRC_SEARCH_FOLDED_TEXT_H
+
+#include <cstdint>
+#include <string_view>
+#include <vector>
+
+#include "search/fold_table.h"
+
+namespace scl::regex::detail {
+
+struct folded_text {
+  std::vector<char16_t> units;        // the folded text is units[0, size)
+  std::vector<int32_t> origin;        // per folded unit: the source start of its piece
+  std::vector<int32_t> empty_pieces;  // source starts of the pieces that fold to nothing
+  int32_t size = 0;
+  int32_t source_size = 0;
+
+  std::u16string_view text() const { return {units.data(), static_cast<std::size_t>(size)}; }
+
+  // Whether a piece starts at folded unit `at` (< size).
+  bool starts_piece(int32_t at) const { return at == 0 || origin[at - 1] != origin[at]; }
+  // Whether a piece ends at folded position `end` (> 0).
+  bool ends_piece(int32_t end) const { return end == size || origin[end] != origin[end - 1]; }
+  // The source end of the piece that folded unit `end - 1` belongs to.
+  int32_t piece_end(int32_t end) const;
+
+  // Room for `more` units past size.
+  void reserve_more(int32_t more) {
+    if (static_cast<std::size_t>(size) + static_cast<std::size_t>(more) > units.size()) grow(more);
+  }
+  void grow(int32_t more);
+
+  // Gives back the memory of a large fold.
+  void trim();
+};
+
+// Folds `text` (UTF-16 or UTF-8, at most INT32_MAX units) into `out`. With
+// `watch_time`, stops at the calling thread's match_time_limit by throwing
+// regex_exception(U_REGEX_TIME_OUT).
+void fold_text(const fold_table& table, const char16_t* text, int32_t size, bool watch_time,
+               folded_text& out);
+void fold_text(const fold_table& table, const char* text, int32_t size, bool watch_time,
+               folded_text& out);
+
+}  // namespace scl::regex::detail
+
+#endif  // SCL_REGEX_SRC_SEARCH_FOLDED_TEXT_H

@@ -1,0 +1,35 @@
+// Literal search on folded text: where a folded query occurs in a folded
+// text, kept only where it covers whole pieces of the source and the source
+// allows a match to begin and end there.
+#ifndef SCL_REGEX_SRC_SEARCH_LITERAL_SEARCH_H
+#define SCL_REGEX_SRC_SEARCH_LITERAL_SEARCH_H
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "search/fold_table.h"
+#include "search/folded_text.h"
+
+namespace scl::regex::detail {
+
+// A match in the source, in its units.
+struct source_span {
+  int32_t start;
+  int32_t end;
+};
+
+// Appends to `out` the matches of `query` (folded, not empty) in `source`
+// (folded as `folded`), from the start and without overlap, stopping after
+// `limit` of them. Stops at the calling thread's match_time_limit by throwing
+// regex_exception(U_REGEX_TIME_OUT).
+void find_literal(const fold_table& table, std::u16string_view query, const char16_t* source,
+                  const folded_text& folded, std::size_t limit, std::vector<source_span>& out);
+void find_literal(const fold_table& table, std::u16string_view query, const char* source,
+                  const folded_text& folded, std::size_t limit, std::vector<source_span>& out);
+
+}  // namespace scl::regex::detail
+
+#endif  // SCL_REGEX_SRC_SEARCH_LITERAL_SEARCH_H
