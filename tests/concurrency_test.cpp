@@ -36,6 +36,8 @@ class IcuSetUp : public testing::Environment {
         icu::UnicodeString(u"any-NFD; [:Nonspacing_Mark:] any-Remove; any-NFC"), UTRANS_FORWARD,
         status));
     (void)icu::Normalizer2::getNFCInstance(status);
+    (void)u_getIntPropertyValue(0x0300, UCHAR_LEAD_CANONICAL_COMBINING_CLASS);
+    (void)u_getIntPropertyValue(0x0300, UCHAR_NFC_QUICK_CHECK);
     ASSERT_TRUE(U_SUCCESS(status));
   }
 };
@@ -52,6 +54,40 @@ int run_on_threads(const std::function<int(int, int)>& work) {
 std::u16string numbered(int thread, int round) {
   return u"caf\u00e9 " + std::u16string(static_cast<std::size_t>(thread + 1), u'x') + u" " +
          std::u16string(static_cast<std::size_t>(round % 7 + 1), u'7');
+}
+
+// The fold table meets its first use on many threads at once; then one
+// search_pattern serves every thread, in UTF-16 and UTF-8.
+TEST(ConcurrentSearchFolding, OnePatternSharedByEveryThread) {
+  EXPECT_EQ(
+      run_on_threads([](int t, int r) {
+        const scl::regex::search_pattern own(u"\u0141\u00f3d\u017a");
+        return own.find_all(u"lodz " + std::u16string(static_cast<std::size_t>(t), u'x')).size() ==
+                       1
+                   ? 0
+                   : 1 + 0 * r;
+      }),
+      0);
+  const scl::regex::search_pattern shared(u"creme");
+  EXPECT_EQ(
+      run_on_threads([&shared](int t, int r) {
+        const std::u16string text =
+            std::u16string(static_cast<std::size_t>(t + r), u'x') + u" cr\u00e8me CREME";
+        const std::string utf8 =
+            std::string(static_cast<std::size_t>(t + r), 'x') + " cr\xc3\xa8me CREME";
+        const std::vector<scl::regex::source_match> found = shared.find_all(text);
+        const std::vector<scl::regex::source_match> found8 = shared.find_all(utf8);
+        const auto at = static_cast<std::size_t>(t + r + 1);
+        int wrong = 0;
+        wrong += found.size() == 2 && found[0].start == at && found[1].start == at + 6 ? 0 : 1;
+        wrong += found8.size() == 2 && found8[0].start == at && found8[1].start == at + 7 ? 0 : 1;
+        wrong += shared.replace_all(text, u"x") ==
+                         std::u16string(static_cast<std::size_t>(t + r), u'x') + u" x x"
+                     ? 0
+                     : 1;
+        return wrong;
+      }),
+      0);
 }
 
 TEST(ConcurrentFreeFunctions, OneShotReplaceUtf16AndUtf8) {
