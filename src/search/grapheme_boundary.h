@@ -53,7 +53,7 @@ bool grapheme_boundary(const fold_table& table, const Unit* text, int32_t size, 
   if (a == gc::zwj && b == gc::extended_pictographic) {  // GB11
     for (int32_t position = before_start; position > 0;) {
       const gc klass = class_before(position);
-      if (klass != gc::extend) return klass != gc::extended_pictographic;
+      if (klass != gc::extend && klass != gc::virama) return klass != gc::extended_pictographic;
     }
     return true;
   }

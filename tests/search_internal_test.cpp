@@ -1,0 +1,126 @@
+// The search fold's internals: the table computed at build time against the
+// one built from the running ICU, and grapheme boundaries against ICU's
+// character break iterator.
+#include <cstring>
+#include <memory>
+#include <random>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+#include <unicode/ubrk.h>
+#include <unicode/uchar.h>
+#include <unicode/utf16.h>
+#include <unicode/utf8.h>
+
+#include "search/fold_table.h"
+#include "search/fold_table_build.h"
+#include "search/fold_table_data.h"
+#include "search/grapheme_boundary.h"
+#include "support/hex.h"
+
+namespace {
+
+namespace detail = scl::regex::detail;
+
+TEST(FoldTable, BuiltInIsWhatTheRunningIcuGives) {
+  detail::fold_table_image image;
+  ASSERT_EQ(detail::build_fold_table(image), U_ZERO_ERROR);
+  ASSERT_EQ(image.trie.size(), detail::fold_table_data::trie_size);
+  EXPECT_EQ(std::memcmp(image.trie.data(), detail::fold_table_data::trie, image.trie.size()), 0);
+  EXPECT_EQ(image.pool,
+            std::u16string(detail::fold_table_data::pool, detail::fold_table_data::pool_size));
+  ASSERT_EQ(image.prevowel_pairs.size(), detail::fold_table_data::prevowel_pair_count);
+  for (std::size_t i = 0; i < image.prevowel_pairs.size(); ++i) {
+    EXPECT_EQ(image.prevowel_pairs[i].first, detail::fold_table_data::prevowel_pairs[i].first);
+    EXPECT_EQ(image.prevowel_pairs[i].second, detail::fold_table_data::prevowel_pairs[i].second);
+  }
+  // A table loaded from the rebuilt image reads the same values.
+  UErrorCode status = U_ZERO_ERROR;
+  const detail::fold_table rebuilt(image, status);
+  ASSERT_EQ(status, U_ZERO_ERROR);
+  const detail::fold_table& built_in = detail::fold_table::get();
+  for (UChar32 c = 0; c < 0x110000; ++c) ASSERT_EQ(rebuilt.value(c), built_in.value(c)) << c;
+  for (char16_t c = 0; c < detail::fold_table::latin_limit; ++c) {
+    ASSERT_EQ(rebuilt.latin(c), built_in.latin(c)) << c;
+  }
+}
+
+TEST(FoldTable, KnowsThePrevowelContractions) {
+  const detail::fold_table& table = detail::fold_table::get();
+  EXPECT_TRUE(table.contracts(0x0E40, 0x0E01));   // Thai sara e + ko kai
+  EXPECT_TRUE(table.contracts(0x0EC0, 0x0E81));   // Lao
+  EXPECT_FALSE(table.contracts(0x0E40, 0x0E40));  // two prevowels
+  EXPECT_FALSE(table.contracts(u'a', u'b'));
+  EXPECT_TRUE(detail::fold_value::prevowel(table.value(0x0E40)));
+  EXPECT_FALSE(detail::fold_value::prevowel(table.value(0x0E01)));
+}
+
+// Random text from characters that exercise every grapheme rule.
+std::u16string random_text(std::mt19937& random) {
+  static const std::vector<std::u16string> pieces = {
+      u"a",          u"\u00e9",     u"e\u0301",    u"\r",         u"\n",     u"\r\n",
+      u"\u0000",     u"\u00ad",     u"\u200d",     u"\u200c",     u"\u0915", u"\u094d",
+      u"\u0937",     u"\u093f",     u"\u0930",     u"\u09cd",     u"\u0995", u"\u0e40",
+      u"\u0e01",     u"\u0e33",     u"\u1100",     u"\u1161",     u"\u11a8", u"\uac00",
+      u"\uac01",     u"\U0001F469", u"\U0001F4BB", u"\U0001F3FD", u"\ufe0f", u"\U0001F1E9",
+      u"\U0001F1EA", u"\u0600",     u"\u0903",     u"\u0338",     u"\u0f72", u"\u0f71",
+      u"\u3099",     u"\u304b",     u"\xd800",     u"\xdc00",     u"\u2764", u"\u0d4d",
+      u"\u0d15",     u"\u0b4d",     u"\u0b15",     u" "};
+  std::u16string text;
+  const int length = std::uniform_int_distribution<int>(1, 24)(random);
+  for (int i = 0; i < length; ++i) {
+    text += pieces[std::uniform_int_distribution<std::size_t>(0, pieces.size() - 1)(random)];
+  }
+  return text;
+}
+
+TEST(GraphemeBoundary, AgreesWithIcuCharacterBreaksInUtf16AndUtf8) {
+  const detail::fold_table& table = detail::fold_table::get();
+  UErrorCode status = U_ZERO_ERROR;
+  const std::unique_ptr<UBreakIterator, decltype(&ubrk_close)> breaks(
+      ubrk_open(UBRK_CHARACTER, "", nullptr, 0, &status), &ubrk_close);
+  ASSERT_EQ(status, U_ZERO_ERROR);
+  std::mt19937 random(29);
+  int positions = 0;
+  for (int round = 0; round < 20000; ++round) {
+    const std::u16string text = random_text(random);
+    const auto size = static_cast<int32_t>(text.size());
+    ubrk_setText(breaks.get(), text.data(), size, &status);
+    ASSERT_EQ(status, U_ZERO_ERROR);
+    // The same text in UTF-8, unless it has a lone surrogate, which UTF-8
+    // cannot hold.
+    std::string utf8;
+    bool has_lone_surrogate = false;
+    std::vector<int32_t> byte_of(text.size() + 1, -1);
+    for (int32_t at = 0; at < size;) {
+      byte_of[static_cast<std::size_t>(at)] = static_cast<int32_t>(utf8.size());
+      UChar32 c = 0;
+      U16_NEXT(text.data(), at, size, c);
+      if (U_IS_SURROGATE(c)) has_lone_surrogate = true;
+      char bytes[4];
+      int32_t length = 0;
+      UBool error = 0;
+      U8_APPEND(reinterpret_cast<uint8_t*>(bytes), length, 4, c, error);
+      ASSERT_TRUE(U_IS_SURROGATE(c) || error == 0);
+      utf8.append(bytes, static_cast<std::size_t>(length));
+    }
+    byte_of[text.size()] = static_cast<int32_t>(utf8.size());
+    for (int32_t at = 0; at <= size; ++at) {
+      if (at > 0 && at < size && U16_IS_TRAIL(text[at]) && U16_IS_LEAD(text[at - 1])) continue;
+      const bool icu = ubrk_isBoundary(breaks.get(), at) != 0;
+      ASSERT_EQ(detail::grapheme_boundary(table, text.data(), size, at), icu)
+          << "at " << at << " in " << scl_regex_test::hex(text);
+      if (!has_lone_surrogate) {
+        ASSERT_EQ(detail::grapheme_boundary(table, utf8.data(), static_cast<int32_t>(utf8.size()),
+                                            byte_of[static_cast<std::size_t>(at)]),
+                  icu)
+            << "UTF-8, at " << at << " in " << scl_regex_test::hex(text);
+      }
+      ++positions;
+    }
+  }
+  EXPECT_GT(positions, 100000);
+}
+
+}  // namespace
