@@ -9,7 +9,10 @@
 #define SCL_REGEX_SRC_SEARCH_FOLDED_TEXT_H
 
 #include <cstdint>
+#include <memory>
+#include <new>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "search/fold_table.h"

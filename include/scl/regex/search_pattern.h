@@ -99,8 +99,9 @@ enum class query_syntax {
 
 // Returns `text` folded for search (see above), with its map back to `text`:
 // source_range() gives the range of `text` that folded units came from, and
-// source_size() is text.size(). Throws std::bad_alloc, or regex_exception
-// with U_INPUT_TOO_LONG_ERROR for text of 2^32 - 1 units or more.
+// source_size() is text.size(). Throws std::bad_alloc (also for text longer
+// than 2^31 - 1 units, which ICU cannot take), or regex_exception with ICU's
+// code if ICU fails.
 [[nodiscard]] SCL_REGEX_API prepared_text search_fold(std::u16string_view text);
 
 namespace detail {
@@ -116,9 +117,8 @@ struct search_program;
 //
 // Errors: a search that fails (stopped by match_time_limit, an ICU error)
 // throws regex_exception with ICU's code (U_REGEX_TIME_OUT for the time
-// limit); there are no partial results. Texts of 2^32 - 1 units or bytes or
-// more throw regex_exception with U_INPUT_TOO_LONG_ERROR. Out of memory
-// throws std::bad_alloc.
+// limit); there are no partial results. Out of memory, and texts longer than
+// 2^31 - 1 units or bytes (which ICU cannot take), throw std::bad_alloc.
 class SCL_REGEX_API search_pattern {
  public:
   // An empty literal query: finds nothing.
