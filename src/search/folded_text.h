@@ -19,9 +19,33 @@
 
 namespace scl::regex::detail {
 
+// An allocator that leaves new elements uninitialised: the folded text is
+// written before it is read, and zero-filling it first would cost as much as a
+// pass over it.
+template <class T>
+struct uninitialised_allocator : std::allocator<T> {
+  template <class U>
+  struct rebind {
+    using other = uninitialised_allocator<U>;
+  };
+  uninitialised_allocator() = default;
+  template <class U>
+  explicit uninitialised_allocator(const uninitialised_allocator<U>&) noexcept {}
+  template <class U>
+  void construct(U* at) noexcept {
+    ::new (static_cast<void*>(at)) U;
+  }
+  template <class U, class... Args>
+  void construct(U* at, Args&&... args) {
+    ::new (static_cast<void*>(at)) U(std::forward<Args>(args)...);
+  }
+};
+
 struct folded_text {
-  std::vector<char16_t> units;        // the folded text is units[0, size)
-  std::vector<int32_t> origin;        // per folded unit: the source start of its piece
+  // The folded text is units[0, size); origin[i] is the source start of the
+  // piece that unit i belongs to.
+  std::vector<char16_t, uninitialised_allocator<char16_t>> units;
+  std::vector<int32_t, uninitialised_allocator<int32_t>> origin;
   std::vector<int32_t> empty_pieces;  // source starts of the pieces that fold to nothing
   int32_t size = 0;
   int32_t source_size = 0;
