@@ -79,7 +79,7 @@ class folder {
   // starts. Otherwise returns where the last character ends.
   int32_t fold_run(int32_t at, int32_t end, bool check) {
     while (at < end) {
-      at = fold_latin(at, end);
+      at = fold_simple(fold_latin(at, end), end);
       if (at >= end) break;
       const int32_t start = at;
       const UChar32 c = next_code_point(text_, at, size_);
@@ -133,6 +133,55 @@ class folder {
       previous_ = last;
       previous_combining_ = false;
       last_piece_empty_ = table_.latin(static_cast<char16_t>(last)) == fold_table::latin_nothing;
+    }
+    return at;
+  }
+
+  // Characters that fold to themselves or to one other code point and need
+  // no look at NFC or at their neighbours, as long as they come.
+  int32_t fold_simple(int32_t at, int32_t end) {
+    out_.reserve_more(2 * (end - at) + 2);
+    char16_t* units = out_.units.data() + out_.size;
+    int32_t* origin = out_.origin.data() + out_.size;
+    const int32_t first = at;
+    UChar32 last = -1;
+    while (at < end) {
+      const int32_t start = at;
+      UChar32 c = 0;
+      std::uint32_t value = 0;
+      if constexpr (sizeof(Unit) == 2) {
+        if (!U16_IS_SURROGATE(text_[at])) {
+          c = text_[at++];
+          value = table_.bmp_value(static_cast<char16_t>(c));
+        }
+      }
+      if (at == start) {
+        c = next_code_point(text_, at, size_);
+        value = table_.value(c);
+      }
+      const fold_kind kind = fold_value::kind(value);
+      if ((value & (fold_value::needs_nfc_bit | fold_value::combining_bit)) != 0 ||
+          (kind != fold_kind::self && kind != fold_kind::delta) || c == middle_dot) {
+        at = start;
+        break;
+      }
+      const UChar32 fold = kind == fold_kind::self ? c : c + fold_value::delta(value);
+      if (fold <= 0xFFFF) {
+        *units++ = static_cast<char16_t>(fold);
+        *origin++ = start;
+      } else {
+        *units++ = U16_LEAD(fold);
+        *origin++ = start;
+        *units++ = U16_TRAIL(fold);
+        *origin++ = start;
+      }
+      last = c;
+    }
+    out_.size = static_cast<int32_t>(units - out_.units.data());
+    if (at > first) {
+      previous_ = last;
+      previous_combining_ = false;
+      last_piece_empty_ = false;
     }
     return at;
   }
