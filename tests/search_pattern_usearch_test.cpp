@@ -640,6 +640,103 @@ TEST(SearchPatternUsearch, FindsWhatUsearchFindsOnRandomTextInManyScripts) {
   EXPECT_GT(folds_to_nothing, 0);
 }
 
+// Compares search_pattern with usearch on pairs, leaving out what the
+// differential leaves out; reports the first few disagreements.
+class pair_comparison {
+ public:
+  explicit pair_comparison(usearch_oracle& oracle) : oracle_(oracle) {}
+
+  void operator()(const std::u16string& query, const std::u16string& text) {
+    if (nfc(query) != query || nfc(text) != text) return;
+    if (re::search_fold(query).text().empty()) return;
+    if (excluded(oracle_, query, text) != exclusion::none) return;
+    ++compared;
+    bool failed = false;
+    const ranges expected = oracle_.find_all(query, text, failed);
+    const ranges library = ranges_of(re::search_pattern(query).find_all(text));
+    EXPECT_FALSE(failed);
+    if (library != expected && ++disagreements <= 10) {
+      ADD_FAILURE() << "query " << hex(query) << " text " << hex(text) << ": search_pattern "
+                    << show(library) << ", usearch " << show(expected);
+    }
+  }
+
+  long compared = 0;
+  long disagreements = 0;
+
+ private:
+  usearch_oracle& oracle_;
+};
+
+// Calls `visit(prevowel, c)` for every Logical_Order_Exception prevowel (Thai,
+// Lao, New Tai Lue, Tai Viet) and every assigned character `c` of its block.
+template <class Visit>
+long for_each_prevowel_pair(Visit visit) {
+  long prevowels = 0;
+  for (UChar32 prevowel = 0; prevowel <= 0xFFFF; ++prevowel) {
+    if (!u_hasBinaryProperty(prevowel, UCHAR_LOGICAL_ORDER_EXCEPTION)) continue;
+    ++prevowels;
+    const UBlockCode block = ublock_getCode(prevowel);
+    for (UChar32 c = 0; c <= 0xFFFF; ++c) {
+      if (ublock_getCode(c) == block && u_charType(c) != U_UNASSIGNED) visit(prevowel, c);
+    }
+  }
+  return prevowels;
+}
+
+// Every prevowel before every character of its block: the pair, its fold and
+// the second character alone, in the pair and in a longer text.
+TEST(SearchPatternUsearch, PrevowelsBeforeEveryCharacterOfTheirBlock) {
+  usearch_oracle oracle;
+  ASSERT_TRUE(oracle.ready());
+  pair_comparison compare(oracle);
+  const long prevowels = for_each_prevowel_pair([&](UChar32 prevowel, UChar32 c) {
+    std::u16string pair;
+    append_code_point(pair, prevowel);
+    append_code_point(pair, c);
+    std::u16string alone;
+    append_code_point(alone, c);
+    const std::u16string folded = nfc(re::search_fold(pair).text());
+    for (const std::u16string& text : {pair, u"a" + pair + u"a"}) {
+      for (const std::u16string& query : {pair, folded, alone}) compare(query, text);
+    }
+  });
+  std::printf("prevowel pairs: %ld prevowels, %ld query/text pairs compared, %ld disagree\n",
+              prevowels, compare.compared, compare.disagreements);
+  EXPECT_EQ(compare.disagreements, 0);
+  EXPECT_GE(prevowels, 19);
+  EXPECT_GT(compare.compared, 5000);
+}
+
+// A prevowel and the character after it written apart by a character the
+// collator ignores (soft hyphen, a mark, ZWJ, U+0000), against the two
+// adjacent: the collator swaps a prevowel and its consonant only when they are
+// adjacent.
+TEST(SearchPatternUsearch, PrevowelWrittenApartFromTheNextCharacter) {
+  usearch_oracle oracle;
+  ASSERT_TRUE(oracle.ready());
+  pair_comparison compare(oracle);
+  const std::u16string apart[] = {u"\u00AD", u"\u0301", u"\u200D", std::u16string(1, u'\0')};
+  for_each_prevowel_pair([&](UChar32 prevowel, UChar32 c) {
+    std::u16string pair;
+    append_code_point(pair, prevowel);
+    append_code_point(pair, c);
+    for (const std::u16string& between : apart) {
+      std::u16string separated;
+      append_code_point(separated, prevowel);
+      separated += between;
+      append_code_point(separated, c);
+      compare(pair, separated);
+      compare(separated, pair);
+      compare(separated, separated);
+    }
+  });
+  std::printf("prevowel written apart: %ld query/text pairs compared, %ld disagree\n",
+              compare.compared, compare.disagreements);
+  EXPECT_EQ(compare.disagreements, 0);
+  EXPECT_GT(compare.compared, 5000);
+}
+
 // UTF-8 text with ill-formed sequences: the library reads each maximal subpart
 // as U+FFFD, so its matches are those in the text ICU's U8_NEXT_OR_FFFD reads,
 // and replace_all keeps every byte outside them.
