@@ -641,12 +641,17 @@ TEST(SearchPatternUsearch, FindsWhatUsearchFindsOnRandomTextInManyScripts) {
 }
 
 // Compares search_pattern with usearch on pairs, leaving out what the
-// differential leaves out; reports the first few disagreements.
+// differential leaves out. A disagreement is "documented" when `documented`
+// says so for the pair and the library finds a match where usearch finds none
+// (the library compares a prevowel in written order, where the collator
+// compares it swapped with the character after it); any other disagreement is
+// reported.
 class pair_comparison {
  public:
   explicit pair_comparison(usearch_oracle& oracle) : oracle_(oracle) {}
 
-  void operator()(const std::u16string& query, const std::u16string& text) {
+  template <class Documented>
+  void operator()(const std::u16string& query, const std::u16string& text, Documented documented) {
     if (nfc(query) != query || nfc(text) != text) return;
     if (re::search_fold(query).text().empty()) return;
     if (excluded(oracle_, query, text) != exclusion::none) return;
@@ -655,7 +660,10 @@ class pair_comparison {
     const ranges expected = oracle_.find_all(query, text, failed);
     const ranges library = ranges_of(re::search_pattern(query).find_all(text));
     EXPECT_FALSE(failed);
-    if (library != expected && ++disagreements <= 10) {
+    if (library == expected) return;
+    if (expected.empty() && !library.empty() && documented()) {
+      ++documented_differences;
+    } else if (++disagreements <= 10) {
       ADD_FAILURE() << "query " << hex(query) << " text " << hex(text) << ": search_pattern "
                     << show(library) << ", usearch " << show(expected);
     }
@@ -663,10 +671,23 @@ class pair_comparison {
 
   long compared = 0;
   long disagreements = 0;
+  long documented_differences = 0;
 
  private:
   usearch_oracle& oracle_;
 };
+
+// Whether `c` folds to more than one code point (Lao U+0EDC folds to U+0EAB U+0E99).
+bool expands(UChar32 c) {
+  std::u16string text;
+  append_code_point(text, c);
+  const std::u16string folded = re::search_fold(text).text();
+  int32_t at = 0;
+  const auto size = static_cast<int32_t>(folded.size());
+  UChar32 first = 0;
+  if (size > 0) U16_NEXT(folded.data(), at, size, first);
+  return at < size;
+}
 
 // Calls `visit(prevowel, c)` for every Logical_Order_Exception prevowel (Thai,
 // Lao, New Tai Lue, Tai Viet) and every assigned character `c` of its block.
@@ -697,13 +718,22 @@ TEST(SearchPatternUsearch, PrevowelsBeforeEveryCharacterOfTheirBlock) {
     std::u16string alone;
     append_code_point(alone, c);
     const std::u16string folded = nfc(re::search_fold(pair).text());
+    // A prevowel before a character that expands (Lao U+0EDC) is one of the
+    // documented differences: its fold puts the prevowel before a consonant
+    // that the collator would swap it with.
+    const bool documented = expands(c);
     for (const std::u16string& text : {pair, u"a" + pair + u"a"}) {
-      for (const std::u16string& query : {pair, folded, alone}) compare(query, text);
+      for (const std::u16string& query : {pair, folded, alone}) {
+        compare(query, text, [&] { return documented; });
+      }
     }
   });
-  std::printf("prevowel pairs: %ld prevowels, %ld query/text pairs compared, %ld disagree\n",
-              prevowels, compare.compared, compare.disagreements);
+  std::printf(
+      "prevowel pairs: %ld prevowels, %ld query/text pairs compared, %ld documented differences, "
+      "%ld other disagreements\n",
+      prevowels, compare.compared, compare.documented_differences, compare.disagreements);
   EXPECT_EQ(compare.disagreements, 0);
+  EXPECT_LT(compare.documented_differences, compare.compared / 100);
   EXPECT_GE(prevowels, 19);
   EXPECT_GT(compare.compared, 5000);
 }
@@ -726,13 +756,17 @@ TEST(SearchPatternUsearch, PrevowelWrittenApartFromTheNextCharacter) {
       append_code_point(separated, prevowel);
       separated += between;
       append_code_point(separated, c);
-      compare(pair, separated);
-      compare(separated, pair);
-      compare(separated, separated);
+      // Written apart on one side only: a documented difference. The same
+      // form on both sides must agree.
+      compare(pair, separated, [] { return true; });
+      compare(separated, pair, [] { return true; });
+      compare(separated, separated, [] { return false; });
     }
   });
-  std::printf("prevowel written apart: %ld query/text pairs compared, %ld disagree\n",
-              compare.compared, compare.disagreements);
+  std::printf(
+      "prevowel written apart: %ld query/text pairs compared, %ld documented differences, %ld "
+      "other disagreements\n",
+      compare.compared, compare.documented_differences, compare.disagreements);
   EXPECT_EQ(compare.disagreements, 0);
   EXPECT_GT(compare.compared, 5000);
 }

@@ -69,8 +69,15 @@
 //     or with U+0F71 and one of those) read as their parts.
 //   - A discontiguous contraction (the collator skipping a mark to reach the
 //     second half) is not formed.
-//   - A query that ends in a prevowel is compared in written order, where
-//     the collator compares a prevowel and its consonant swapped.
+//   - Thai, Lao, New Tai Lue and Tai Viet prevowels are compared in written
+//     order. The collator swaps a prevowel with the character after it when
+//     the two are adjacent and form a contraction, so results differ where
+//     query and text are not written alike: a query that ends in a prevowel;
+//     a prevowel kept from its consonant by a character that folds to
+//     nothing (soft hyphen, mark, ZWJ, U+0000) on one side only; a prevowel
+//     before a letter that expands (Lao U+0EDC, U+0EDD, New Tai Lue U+19DF)
+//     against the expansion written out. Search folding finds a match in
+//     these cases where usearch finds none.
 //
 // Thread safety: a search_pattern is immutable after construction; any number
 // of threads may search with one object, or with copies of it, at once.
