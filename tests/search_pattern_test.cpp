@@ -271,3 +271,54 @@ TEST(HeaderExample, GivesWhatItSays) {
 }
 
 }  // namespace
+
+namespace {
+
+// The text is folded and searched in stretches of 64 Ki units: a match, a
+// decomposed letter or a run of marks across the edge of a stretch must give
+// what it gives anywhere else.
+TEST(LongText, StretchEdgesChangeNothing) {
+  const std::u16string tail =
+      u" cre\u0300me\u0316 e\u0301\u0316\u0300 \u0141\u00f3d\u017a \u00dfs \u0e40\u0e01 "
+      u"\U0001F469\u200D\U0001F4BB x\u00ADy z\u0F72\u0F71";
+  const std::vector<std::u16string> queries = {u"creme",        u"e",          u"lodz", u"ss", u"s",
+                                               u"\u0e40\u0e01", u"\U0001F469", u"xy",   u"z"};
+  for (const std::u16string& query : queries) {
+    const re::search_pattern pattern(query);
+    const ranges expected = find(pattern, std::u16string_view(tail));
+    ASSERT_FALSE(expected.empty() && query != u"s" && query != u"z")
+        << "no match for a query of the test";
+    for (std::size_t prefix = 65536 - tail.size() - 1; prefix <= 65536 + 1; ++prefix) {
+      const std::u16string text = std::u16string(prefix, u'x') + tail;
+      ranges shifted;
+      for (const auto& [start, end] : expected) shifted.emplace_back(start + prefix, end + prefix);
+      ASSERT_EQ(find(pattern, std::u16string_view(text)), shifted) << "prefix " << prefix;
+      // UTF-8: the same bytes for the prefix, so the edge falls on the same offsets of the tail.
+      std::string utf8(prefix, 'x');
+      for (char16_t unit : std::u16string_view(tail).substr(0, 1)) utf8 += static_cast<char>(unit);
+      utf8 += "cre\xCC\x80me\xCC\x96 e\xCC\x81\xCC\x96\xCC\x80";
+      const std::vector<re::source_match> found8 = pattern.find_all(std::string_view(utf8));
+      if (query == u"creme") {
+        ASSERT_EQ(found8.size(), 1U) << "prefix " << prefix;
+        EXPECT_EQ(found8[0].start, prefix + 1);
+        EXPECT_EQ(found8[0].end, prefix + 10);
+      }
+    }
+  }
+}
+
+TEST(LongText, FindFirstAndFoundInSeeMatchesFarIn) {
+  const std::u16string text =
+      std::u16string(300000, u'a') + u" Cr\u00e8me " + std::u16string(100000, u'b') + u" CREME";
+  const re::search_pattern pattern(u"creme");
+  const std::vector<re::source_match> all = pattern.find_all(text);
+  ASSERT_EQ(all.size(), 2U);
+  EXPECT_EQ(all[0].start, 300001U);
+  EXPECT_EQ(all[1].start, 400008U);
+  EXPECT_TRUE(pattern.found_in(text));
+  ASSERT_TRUE(pattern.find_first(text).has_value());
+  EXPECT_EQ(pattern.find_first(text)->start, 300001U);
+  EXPECT_FALSE(re::search_pattern(u"cremes").found_in(text));
+}
+
+}  // namespace

@@ -57,7 +57,7 @@ class folder {
     out_.reserve_more(size + size / 8 + longest_fold);
   }
 
-  void run(bool watch_time) {
+  void run(bool watch_time, const chunk_observer& after_chunk) {
     int32_t at = 0;
     while (at < size_) {
       if (watch_time) {
@@ -70,7 +70,9 @@ class folder {
         const int32_t stop = fold_run(at, end, true);
         at = stop < end ? normalise_segment(stop) : stop;
       }
+      if (after_chunk && at < size_ && after_chunk(final_units(at), false)) return;
     }
+    if (after_chunk) after_chunk(out_.size, true);
   }
 
  private:
@@ -90,6 +92,20 @@ class folder {
       fold_code_point(c, value, start);
     }
     return at;
+  }
+
+  // How many folded units no later character can change, once the text up to
+  // `at` is folded: NFC can roll the fold back only to a normalisation
+  // boundary, and never before the last one at or before `at`.
+  int32_t final_units(int32_t at) const {
+    int32_t boundary = at;
+    while (boundary > 0 &&
+           unorm2_hasBoundaryBefore(table_.nfc(), code_point_at(text_, boundary, size_)) == 0) {
+      previous_code_point(text_, boundary);
+    }
+    int32_t units = out_.size;
+    while (units > 0 && out_.origin[units - 1] >= boundary) --units;
+    return units;
   }
 
   // Characters that the Latin table folds, as long as they come.
@@ -367,13 +383,13 @@ class folder {
 }  // namespace
 
 void fold_text(const fold_table& table, const char16_t* text, int32_t size, bool watch_time,
-               folded_text& out) {
-  folder<char16_t>(table, text, size, out).run(watch_time);
+               folded_text& out, const chunk_observer& after_chunk) {
+  folder<char16_t>(table, text, size, out).run(watch_time, after_chunk);
 }
 
 void fold_text(const fold_table& table, const char* text, int32_t size, bool watch_time,
-               folded_text& out) {
-  folder<char>(table, text, size, out).run(watch_time);
+               folded_text& out, const chunk_observer& after_chunk) {
+  folder<char>(table, text, size, out).run(watch_time, after_chunk);
 }
 
 }  // namespace scl::regex::detail

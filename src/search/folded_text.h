@@ -9,6 +9,7 @@
 #define SCL_REGEX_SRC_SEARCH_FOLDED_TEXT_H
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <new>
 #include <string_view>
@@ -69,13 +70,18 @@ struct folded_text {
   void trim();
 };
 
-// Folds `text` (UTF-16 or UTF-8, at most INT32_MAX units) into `out`. With
-// `watch_time`, stops at the calling thread's match_time_limit by throwing
-// regex_exception(U_REGEX_TIME_OUT).
+// Called after each stretch of text is folded, with the number of folded
+// units that stay as they are whatever follows (all of them, and `last`, after
+// the last stretch); returning true stops the fold there.
+using chunk_observer = std::function<bool(int32_t final_units, bool last)>;
+
+// Folds `text` (UTF-16 or UTF-8, at most INT32_MAX units) into `out`, telling
+// `after_chunk` (if any) as it goes. With `watch_time`, stops at the calling
+// thread's match_time_limit by throwing regex_exception(U_REGEX_TIME_OUT).
 void fold_text(const fold_table& table, const char16_t* text, int32_t size, bool watch_time,
-               folded_text& out);
+               folded_text& out, const chunk_observer& after_chunk = {});
 void fold_text(const fold_table& table, const char* text, int32_t size, bool watch_time,
-               folded_text& out);
+               folded_text& out, const chunk_observer& after_chunk = {});
 
 }  // namespace scl::regex::detail
 

@@ -63,12 +63,15 @@ class literal_finder {
   literal_finder(const fold_table& table, const Unit* source, const folded_text& folded)
       : table_(table), source_(source), size_(folded.source_size), folded_(folded) {}
 
-  void run(std::u16string_view query, std::size_t limit, std::vector<source_span>& out) const {
+  int32_t run(std::u16string_view query, int32_t from, int32_t final_units, bool last,
+              std::size_t limit, std::vector<source_span>& out) const {
     const char16_t* text = folded_.units.data();
     const auto length = static_cast<int32_t>(query.size());
-    const int32_t last_start = folded_.size - length;  // the last place a match can start
+    // The last place a match can start: it must end before the units that may
+    // still change.
+    const int32_t last_start = last ? folded_.size - length : final_units - 1 - length;
     int rejections = 0;
-    for (int32_t from = 0; from <= last_start && out.size() < limit;) {
+    for (; from <= last_start && out.size() < limit;) {
       const char16_t* hit = length >= 2
                                 ? find_pair(text + from, text + last_start + 1, query[0], query[1])
                                 : find_unit(text + from, text + last_start + 1, query[0]);
@@ -91,6 +94,7 @@ class literal_finder {
         }
       }
     }
+    return from;
   }
 
  private:
@@ -132,14 +136,18 @@ class literal_finder {
 
 }  // namespace
 
-void find_literal(const fold_table& table, std::u16string_view query, const char16_t* source,
-                  const folded_text& folded, std::size_t limit, std::vector<source_span>& out) {
-  literal_finder<char16_t>(table, source, folded).run(query, limit, out);
+int32_t find_literal(const fold_table& table, std::u16string_view query, const char16_t* source,
+                     const folded_text& folded, int32_t from, int32_t final_units, bool last,
+                     std::size_t limit, std::vector<source_span>& out) {
+  return literal_finder<char16_t>(table, source, folded)
+      .run(query, from, final_units, last, limit, out);
 }
 
-void find_literal(const fold_table& table, std::u16string_view query, const char* source,
-                  const folded_text& folded, std::size_t limit, std::vector<source_span>& out) {
-  literal_finder<char>(table, source, folded).run(query, limit, out);
+int32_t find_literal(const fold_table& table, std::u16string_view query, const char* source,
+                     const folded_text& folded, int32_t from, int32_t final_units, bool last,
+                     std::size_t limit, std::vector<source_span>& out) {
+  return literal_finder<char>(table, source, folded)
+      .run(query, from, final_units, last, limit, out);
 }
 
 }  // namespace scl::regex::detail

@@ -21,14 +21,18 @@ struct source_span {
   int32_t end;
 };
 
-// Appends to `out` the matches of `query` (folded, not empty) in `source`
-// (folded as `folded`), from the start and without overlap, stopping after
-// `limit` of them. Stops at the calling thread's match_time_limit by throwing
-// regex_exception(U_REGEX_TIME_OUT).
-void find_literal(const fold_table& table, std::u16string_view query, const char16_t* source,
-                  const folded_text& folded, std::size_t limit, std::vector<source_span>& out);
-void find_literal(const fold_table& table, std::u16string_view query, const char* source,
-                  const folded_text& folded, std::size_t limit, std::vector<source_span>& out);
+// Appends to `out` the matches of `query` (folded, not empty) in `source`,
+// folded as `folded`, going on from folded unit `from` without overlap, until
+// `out` holds `limit` matches. While the fold is not complete (`last` false),
+// only matches that end before unit `final_units` are taken. Returns where the
+// next call goes on. Stops at the calling thread's match_time_limit by
+// throwing regex_exception(U_REGEX_TIME_OUT).
+int32_t find_literal(const fold_table& table, std::u16string_view query, const char16_t* source,
+                     const folded_text& folded, int32_t from, int32_t final_units, bool last,
+                     std::size_t limit, std::vector<source_span>& out);
+int32_t find_literal(const fold_table& table, std::u16string_view query, const char* source,
+                     const folded_text& folded, int32_t from, int32_t final_units, bool last,
+                     std::size_t limit, std::vector<source_span>& out);
 
 }  // namespace scl::regex::detail
 

@@ -90,8 +90,14 @@ std::vector<source_span> search(const detail::search_program* program,
   const detail::fold_table& table = detail::fold_table::get();
   const scratch_text scratch;
   detail::folded_text& folded = scratch_text::text();
-  detail::fold_text(table, text.data(), detail::icu_length(text.size()), true, folded);
-  detail::find_literal(table, program->query, text.data(), folded, limit, spans);
+  // The search follows the fold, so that it can stop at the first match.
+  int32_t from = 0;
+  detail::fold_text(table, text.data(), detail::icu_length(text.size()), true, folded,
+                    [&](int32_t final_units, bool last) {
+                      from = detail::find_literal(table, program->query, text.data(), folded, from,
+                                                  final_units, last, limit, spans);
+                      return spans.size() >= limit;
+                    });
   return spans;
 }
 
