@@ -261,11 +261,10 @@ class folder {
   // Folds `c`, which starts at `at`, as a piece of its own, or joins it to the
   // piece before it.
   void fold_code_point(UChar32 c, std::uint32_t value, int32_t at) {
-    if (c == middle_dot && is_l(previous_)) {
-      empty_piece(at);
-    } else if (put_fold(c, value, at)) {
+    const bool contracted_dot = c == middle_dot && is_l(previous_);
+    if (!contracted_dot && put_fold(c, value, at)) {
       last_piece_empty_ = false;
-    } else if (!joins_previous(fold_value::klass(value))) {
+    } else if (contracted_dot || !joins_previous(fold_value::klass(value))) {
       empty_piece(at);
     }
     previous_ = c;
