@@ -322,3 +322,38 @@ TEST(LongText, FindFirstAndFoundInSeeMatchesFarIn) {
 }
 
 }  // namespace
+
+namespace {
+
+TEST(SearchFoldMap, UPlus0000IsAnEmptyPieceOfItsOwn) {
+  const re::prepared_text folded = re::search_fold(std::u16string_view(u"a\0\u0301b", 4));
+  EXPECT_EQ(folded.text(), u"ab");
+  EXPECT_EQ(folded.source_size(), 4U);
+  // "a" ends where U+0000 starts; the mark after U+0000 does not join "a".
+  EXPECT_EQ(folded.source_range(0, 1), std::make_pair(std::size_t{0}, std::size_t{1}));
+  EXPECT_EQ(folded.source_range(1, 2), std::make_pair(std::size_t{3}, std::size_t{4}));
+  EXPECT_EQ(folded.source_range(0, 2), std::make_pair(std::size_t{0}, std::size_t{4}));
+  // And a search does not take it into a match.
+  EXPECT_EQ(find(u"a", std::u16string_view(u"a\0b", 3)), (ranges{{0, 1}}));
+}
+
+TEST(SearchFoldMap, EmptyAndIgnorableTexts) {
+  EXPECT_EQ(re::search_fold(u"").text(), u"");
+  EXPECT_EQ(re::search_fold(u"").source_size(), 0U);
+  const re::prepared_text ignorable = re::search_fold(u"\u00AD\u200D\u0301");
+  EXPECT_EQ(ignorable.text(), u"");
+  EXPECT_EQ(ignorable.source_size(), 3U);
+  EXPECT_EQ(ignorable.source_range(0, 0), std::make_pair(std::size_t{3}, std::size_t{3}));
+  EXPECT_THROW(static_cast<void>(ignorable.source_range(0, 1)), std::out_of_range);
+}
+
+TEST(SearchFoldMap, ExpansionsAndMarksAreOnePiece) {
+  const re::prepared_text folded = re::search_fold(u"\u00DFe\u0301\U0001D400");
+  EXPECT_EQ(folded.text(), u"ssea");
+  EXPECT_EQ(folded.source_range(0, 1), std::make_pair(std::size_t{0}, std::size_t{1}));
+  EXPECT_EQ(folded.source_range(1, 2), std::make_pair(std::size_t{0}, std::size_t{1}));
+  EXPECT_EQ(folded.source_range(2, 3), std::make_pair(std::size_t{1}, std::size_t{3}));
+  EXPECT_EQ(folded.source_range(3, 4), std::make_pair(std::size_t{3}, std::size_t{5}));
+}
+
+}  // namespace
