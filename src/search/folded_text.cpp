@@ -203,9 +203,15 @@ class folder {
   }
 
   // Whether NFC could change the text around `c`: it is not NFC_QC=Yes, or
-  // it is a mark out of canonical order.
+  // it is a mark out of canonical order. A character that NFC_QC says may
+  // compose with what comes before it is settled here when that is a starter
+  // it does not compose with (a Bengali vowel sign after a consonant).
   bool out_of_nfc(UChar32 c, std::uint32_t value) const {
-    if (fold_value::needs_nfc(value)) return true;
+    if (fold_value::needs_nfc(value)) {
+      return previous_ < 0 || previous_combining_ ||
+             u_getIntPropertyValue(c, UCHAR_NFC_QUICK_CHECK) != UNORM_MAYBE ||
+             unorm2_composePair(table_.nfc(), previous_, c) >= 0;
+    }
     return fold_value::combining(value) && previous_combining_ &&
            u_getCombiningClass(c) < u_getCombiningClass(previous_);
   }
