@@ -52,9 +52,9 @@ class folder {
     out_.size = 0;
     out_.source_size = size;
     out_.empty_pieces.clear();
-    // Most text folds to about as many units as it has: one allocation, not a
-    // series of doublings.
-    out_.reserve_more(size + size / 8 + longest_fold);
+    // Text folds to about as many units as it has, Hangul and expansions to
+    // more: one allocation for nearly all text, not a series of doublings.
+    out_.reserve_more(size + size / 2 + longest_fold);
   }
 
   void run(bool watch_time, const chunk_observer& after_chunk) {
