@@ -90,13 +90,23 @@ std::vector<source_span> search(const detail::search_program* program,
   const detail::fold_table& table = detail::fold_table::get();
   const scratch_text scratch;
   detail::folded_text& folded = scratch_text::text();
-  // The search follows the fold, so that it can stop at the first match.
-  int32_t from = 0;
+  // The search follows the fold, so that it can stop at the first match. (One
+  // reference captured: std::function keeps it without allocating.)
+  struct {
+    const detail::fold_table& table;
+    const detail::search_program& program;
+    std::basic_string_view<Unit> text;
+    const detail::folded_text& folded;
+    std::size_t limit;
+    std::vector<source_span>& spans;
+    int32_t from;
+  } state{table, *program, text, folded, limit, spans, 0};
   detail::fold_text(table, text.data(), detail::icu_length(text.size()), true, folded,
-                    [&](int32_t final_units, bool last) {
-                      from = detail::find_literal(table, program->query, text.data(), folded, from,
-                                                  final_units, last, limit, spans);
-                      return spans.size() >= limit;
+                    [&state](int32_t final_units, bool last) {
+                      state.from = detail::find_literal(
+                          state.table, state.program.query, state.text.data(), state.folded,
+                          state.from, final_units, last, state.limit, state.spans);
+                      return state.spans.size() >= state.limit;
                     });
   return spans;
 }
