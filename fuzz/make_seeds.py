@@ -164,6 +164,28 @@ SEEDS = {
         "far_probe": u32(0) + u8(0) + raw(b"") + raw(b"") + u8(0) + u8(0) + u8(0b0110) + u32(0)
         + u32(3) + text("a") + units("abc"),
     },
+    "fuzz_search_fold": {
+        "lodz": text("lodz") + text("<>") + units("\u0141\u00f3d\u017a and Lodz, \u0141OD\u0179"),
+        # The text and the query as UTF-8 bytes: the UTF-8 checks read the input's own bytes.
+        "lodz_utf8": text("lodz") + text("#") + "\u0141\u00f3d\u017a and Lodz".encode(),
+        "utf8_query": raw("\u0141\u00f3d\u017a".encode()) + text("#") + "lodz LODZ \u0141\u00f3d\u017a".encode(),
+        "ill_formed_utf8": text("a") + text("z")
+        + bytes([0x61, 0xC3, 0x28, 0xED, 0xA0, 0x80, 0xF0, 0x9F, 0x98, 0x61, 0xFF, 0xE2, 0x82]),
+        "eszett": text("ss") + text("") + units("Stra\u00dfe STRASSE \u00df s"),
+        "marks": text("e") + text("E") + units("e\u0301 \u00e9 e\u00ad e\u0323\u0301"),
+        "emoji": text("\U0001F469") + text("x") + units("\U0001F469\u200d\U0001F4BB \U0001F469 \U0001F44D\U0001F3FD"),
+        "thai": text("\u0e01") + text("-") + units("\u0e40\u0e01 \u0e44\u0e01\u0e48 \u0e01\u0e33 \u0e4d\u0e32"),
+        "kana_hangul": text("\uff76\uff80\uff76\uff85") + text("")
+        + units("\u30ab\u30bf\u30ab\u30ca \u304b\u305f\u304b\u306a \uac00 \u1100\u1161"),
+        "surrogates": text(LONE_LEAD + "a") + text("!") + units("x" + LONE_LEAD + "a" + LONE_TRAIL + GRIN),
+        "nul_and_soft_hyphen": text("ab") + text("") + units("a\0b a\u00adb ab"),
+        "middle_dot": text("ll") + text("") + units("col\u00b7lecci\u00f3 L\u00b7L l\u00b7"),
+        "folds_to_nothing": text("\u0301\u00ad") + text("x") + units("a\u0301\u00ad"),
+        "virama": text("\u0939\u093f\u0928\u0926\u0940") + text("")
+        + units("\u0939\u093f\u0928\u094d\u0926\u0940 \u0939\u093f\u0928\u0926\u0940"),
+        "width_and_ligatures": text("usb fi") + text("")
+        + units("\uff35\uff33\uff22 \ufb01 usb fi \u2122"),
+    },
 }
 
 

@@ -1,0 +1,367 @@
+// Search folding: search_pattern against ICU's usearch doing the same search
+// (the root collator at primary strength, one collator and one string search
+// made once and reused, matches walked with usearch_first and usearch_next,
+// without overlap), and the library's fold against its own mapped
+// preparation and its UTF-8 search against its UTF-16 search.
+//
+// Every ICU twin first checks, once per process, that usearch and the library
+// find the same number of matches; a case that disagrees is skipped with an
+// error rather than timed.
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <benchmark/benchmark.h>
+#include <unicode/normalizer2.h>
+#include <unicode/ucol.h>
+#include <unicode/usearch.h>
+#include <unicode/ustring.h>
+
+#include <scl/regex.h>
+#include <scl/regex/search_pattern.h>
+
+#include "bench_texts.h"
+
+namespace {
+
+namespace re = scl::regex;
+
+constexpr std::size_t kUnits = std::size_t{1} << 20;
+constexpr std::size_t kNames = 10000;
+
+// The query of the text cases: it finds every "crème", "CRÈME" and "creme".
+const std::u16string kCreme = u"creme";
+// The query of the names case: "San José", "Santiago", "Lausanne", "Besançon"...
+const std::u16string kSan = u"san";
+
+std::u16string nfc(const std::u16string& text) {
+  UErrorCode status = U_ZERO_ERROR;
+  return bench::from_icu(
+      icu::Normalizer2::getNFCInstance(status)->normalize(bench::to_icu(text), status));
+}
+
+// Words of many scripts, a few of them forms of "crème". Made NFC once.
+const std::vector<std::u16string>& script_words() {
+  static const std::vector<std::u16string> words = [] {
+    const std::vector<std::u16string> written = {
+        // Latin
+        u"cr\u00e8me", u"CR\u00c8ME", u"creme", u"Stra\u00dfe", u"\u0141\u00f3d\u017a",
+        u"na\u00efve", u"sm\u00f8rrebr\u00f8d", u"K\u00f8benhavn", u"I\u011fd\u0131r",
+        u"Ti\u1ebfng", u"Vi\u1ec7t", u"caf\u00e9", u"gar\u00e7on", u"Za\u017c\u00f3\u0142\u0107",
+        // Greek
+        u"\u0395\u03bb\u03bb\u03b7\u03bd\u03b9\u03ba\u03ac", u"\u0391\u03b8\u03ae\u03bd\u03b1",
+        u"\u03ba\u03b1\u03bb\u03b7\u03bc\u03ad\u03c1\u03b1", u"\u03c3\u03bf\u03c6\u03af\u03b1",
+        // Cyrillic
+        u"\u041c\u043e\u0441\u043a\u0432\u0430", u"\u0451\u043b\u043a\u0430",
+        u"\u0423\u043a\u0440\u0430\u0457\u043d\u0430", u"\u043f\u0440\u0438\u0432\u0435\u0442",
+        u"\u0439\u043e\u0434",
+        // Arabic
+        u"\u0645\u062f\u0631\u0633\u0629", u"\u0627\u0644\u0639\u0631\u0628\u064a\u0629",
+        u"\u0634\u064e\u0645\u0652\u0633", u"\u0633\u0644\u0627\u0645",
+        // Hebrew
+        u"\u05e9\u05dc\u05d5\u05dd", u"\u05e2\u05d1\u05e8\u05d9\u05ea",
+        u"\u05d9\u05e8\u05d5\u05e9\u05dc\u05d9\u05dd",
+        // Devanagari, Bengali, Tamil
+        u"\u0939\u093f\u0928\u094d\u0926\u0940", u"\u0928\u092e\u0938\u094d\u0924\u0947",
+        u"\u092d\u093e\u0930\u0924", u"\u09ac\u09be\u0982\u09b2\u09be",
+        u"\u0ba4\u0bae\u0bbf\u0bb4\u0bcd",
+        // Thai
+        u"\u0e20\u0e32\u0e29\u0e32\u0e44\u0e17\u0e22",
+        u"\u0e42\u0e23\u0e07\u0e40\u0e23\u0e35\u0e22\u0e19",
+        u"\u0e01\u0e23\u0e38\u0e07\u0e40\u0e17\u0e1e", u"\u0e2a\u0e27\u0e31\u0e2a\u0e14\u0e35",
+        // Hangul
+        u"\ud55c\uad6d\uc5b4", u"\uc11c\uc6b8", u"\uc548\ub155\ud558\uc138\uc694",
+        // Kana
+        u"\u30ab\u30bf\u30ab\u30ca", u"\u3072\u3089\u304c\u306a", u"\uff76\uff80\uff76\uff85",
+        u"\u304c\u304e\u3050",
+        // Han
+        u"\u4e2d\u6587", u"\u6f22\u5b57", u"\u5317\u4eac", u"\u6771\u4eac", u"\u6c49\u5b57",
+        // Emoji: a ZWJ sequence, a skin tone, a presentation selector, a flag
+        u"\U0001f469\u200d\U0001f4bb", u"\U0001f44d\U0001f3fd", u"\u2764\ufe0f",
+        u"\U0001f1eb\U0001f1f7", u"\U0001f600"};
+    std::vector<std::u16string> out;
+    for (const std::u16string& word : written) out.push_back(nfc(word));
+    return out;
+  }();
+  return words;
+}
+
+// Exactly `units` UTF-16 units of words of many scripts separated by spaces,
+// cut at the last whole word and padded with spaces.
+const std::u16string& scripts_text(std::size_t units) {
+  return bench::remember<std::u16string>("scripts" + bench::size_name(units), [&] {
+    const std::vector<std::u16string>& words = script_words();
+    std::u16string text;
+    bench::sequence pick;
+    for (;;) {
+      const std::u16string& word = words[pick.next(words.size())];
+      if (text.size() + word.size() + 1 > units) break;
+      text += word;
+      text += u' ';
+    }
+    text.resize(units, u' ');
+    return text;
+  });
+}
+
+// 1 MiB of French words (bench_texts.h), about one word in 26 a "crème".
+const std::u16string& french_text(std::size_t units) {
+  return bench::words_text(bench::kind::french, units);
+}
+
+const std::string& french_utf8() {
+  return bench::remember<std::string>("french-utf8", [] {
+    std::string out;
+    bench::to_icu(french_text(kUnits)).toUTF8String(out);
+    return out;
+  });
+}
+
+// City names of many scripts, 5 to 20 units each, some with a district after them.
+const std::vector<std::u16string>& city_names() {
+  static const std::vector<std::u16string> names = [] {
+    const std::vector<std::u16string> cities = {
+        u"\u0141\u00f3d\u017a",
+        u"Krak\u00f3w",
+        u"S\u00e3o Paulo",
+        u"San Jos\u00e9",
+        u"Santiago",
+        u"Z\u00fcrich",
+        u"Gen\u00e8ve",
+        u"M\u00fcnchen",
+        u"K\u00f6ln",
+        u"M\u00e1laga",
+        u"Besan\u00e7on",
+        u"Reykjav\u00edk",
+        u"Troms\u00f8",
+        u"\u0130stanbul",
+        u"\u0110\u00e0 N\u1eb5ng",
+        u"H\u00e0 N\u1ed9i",
+        u"Lausanne",
+        u"San Francisco",
+        u"Santa Fe",
+        u"Sendai",
+        u"Nagoya",
+        u"Busan",
+        u"Marseille",
+        u"Dakar",
+        u"\u0391\u03b8\u03ae\u03bd\u03b1",
+        u"\u0398\u03b5\u03c3\u03c3\u03b1\u03bb\u03bf\u03bd\u03af\u03ba\u03b7",
+        u"\u041c\u043e\u0441\u043a\u0432\u0430",
+        u"\u0421\u0430\u043d\u043a\u0442-\u041f\u0435\u0442\u0435\u0440\u0431\u0443\u0440\u0433",
+        u"\u041a\u0438\u0457\u0432",
+        u"\u0627\u0644\u0642\u0627\u0647\u0631\u0629",
+        u"\u062f\u0645\u0634\u0642",
+        u"\u05d9\u05e8\u05d5\u05e9\u05dc\u05d9\u05dd",
+        u"\u05ea\u05dc \u05d0\u05d1\u05d9\u05d1",
+        u"\u092e\u0941\u0902\u092c\u0908",
+        u"\u0926\u093f\u0932\u094d\u0932\u0940",
+        u"\u0e01\u0e23\u0e38\u0e07\u0e40\u0e17\u0e1e\u0e21\u0e2b\u0e32\u0e19\u0e04\u0e23",
+        u"\u0e40\u0e0a\u0e35\u0e22\u0e07\u0e43\u0e2b\u0e21\u0e48",
+        u"\uc11c\uc6b8\ud2b9\ubcc4\uc2dc",
+        u"\ubd80\uc0b0\uad11\uc5ed\uc2dc",
+        u"\u6771\u4eac\u90fd",
+        u"\u5927\u962a\u5e02",
+        u"\u3068\u3046\u304d\u3087\u3046",
+        u"\u5317\u4eac\u5e02",
+        u"\u4e0a\u6d77\u5e02",
+        u"\u9999\u6e2f\u5cf6"};
+    const std::vector<std::u16string> districts = {u"",          u"",        u"",    u" Nord",
+                                                   u" S\u00fcd", u"-Centre", u" 12", u" Ouest",
+                                                   u" \u6771",   u" \u897f", u" II", u" Old Town"};
+    std::vector<std::u16string> out;
+    bench::sequence pick;
+    while (out.size() < kNames) {
+      std::u16string name = cities[pick.next(cities.size())];
+      const std::u16string& district = districts[pick.next(districts.size())];
+      if (name.size() + district.size() <= 20) name += district;
+      if (name.size() < 5) name += u" Centre";
+      out.push_back(nfc(name));
+    }
+    return out;
+  }();
+  return names;
+}
+
+// The root collator at primary strength and one string search for `query`,
+// opened over `text` (which must outlive it) and reused for every search.
+class usearch_finder {
+ public:
+  usearch_finder(const std::u16string& query, const std::u16string& text) {
+    collator_ = ucol_open("", &status_);
+    ucol_setStrength(collator_, UCOL_PRIMARY);
+    search_ =
+        usearch_openFromCollator(query.data(), static_cast<int32_t>(query.size()), text.data(),
+                                 static_cast<int32_t>(text.size()), collator_, nullptr, &status_);
+  }
+  usearch_finder(const usearch_finder&) = delete;
+  usearch_finder& operator=(const usearch_finder&) = delete;
+  ~usearch_finder() {
+    usearch_close(search_);
+    ucol_close(collator_);
+  }
+
+  bool failed() const { return U_FAILURE(status_); }
+
+  void set_text(const std::u16string& text) {
+    usearch_setText(search_, text.data(), static_cast<int32_t>(text.size()), &status_);
+  }
+
+  // Every match in the current text, as (start, length), into `out`.
+  void find_all(std::vector<std::pair<int32_t, int32_t>>& out) {
+    out.clear();
+    for (int32_t at = usearch_first(search_, &status_); at != USEARCH_DONE;
+         at = usearch_next(search_, &status_)) {
+      out.emplace_back(at, usearch_getMatchedLength(search_));
+    }
+  }
+
+  bool found() { return usearch_first(search_, &status_) != USEARCH_DONE; }
+
+ private:
+  UErrorCode status_ = U_ZERO_ERROR;
+  UCollator* collator_ = nullptr;
+  UStringSearch* search_ = nullptr;
+};
+
+void count_matches(benchmark::State& state, std::size_t matches) {
+  state.counters["matches"] = static_cast<double>(matches);
+}
+
+// search_pattern::find_all of "creme" over `text`, the pattern made once.
+void lib_find_all(benchmark::State& state, const std::u16string& text) {
+  const re::search_pattern pattern(kCreme);
+  std::size_t matches = 0;
+  for (auto _ : state) {
+    const std::vector<re::source_match> found = pattern.find_all(text);
+    benchmark::DoNotOptimize(found.data());
+    matches = found.size();
+  }
+  count_matches(state, matches);
+  state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(text.size() * 2));
+}
+
+void icu_find_all(benchmark::State& state, const std::u16string& text, const std::string& key) {
+  usearch_finder finder(kCreme, text);
+  std::vector<std::pair<int32_t, int32_t>> found;
+  const bool agrees = bench::remember<bool>("fold-find-all-" + key, [&] {
+    finder.find_all(found);
+    return found.size() == re::search_pattern(kCreme).find_all(text).size();
+  });
+  if (finder.failed() || !agrees) {
+    state.SkipWithError("the library does not find as many matches as usearch");
+    return;
+  }
+  for (auto _ : state) {
+    finder.find_all(found);
+    benchmark::DoNotOptimize(found.data());
+  }
+  count_matches(state, found.size());
+  state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(text.size() * 2));
+}
+
+void lib_french_find_all(benchmark::State& state) { lib_find_all(state, french_text(kUnits)); }
+void icu_french_find_all(benchmark::State& state) {
+  icu_find_all(state, french_text(kUnits), "french");
+}
+void lib_scripts_find_all(benchmark::State& state) { lib_find_all(state, scripts_text(kUnits)); }
+void icu_scripts_find_all(benchmark::State& state) {
+  icu_find_all(state, scripts_text(kUnits), "scripts");
+}
+
+// found_in over every name: how many names the query is found in.
+void lib_found_in(benchmark::State& state) {
+  const std::vector<std::u16string>& names = city_names();
+  const re::search_pattern pattern(kSan);
+  std::size_t found = 0;
+  for (auto _ : state) {
+    found = 0;
+    for (const std::u16string& name : names) found += pattern.found_in(name) ? 1 : 0;
+    benchmark::DoNotOptimize(found);
+  }
+  state.counters["found"] = static_cast<double>(found);
+  state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(names.size()));
+}
+
+void icu_found_in(benchmark::State& state) {
+  const std::vector<std::u16string>& names = city_names();
+  usearch_finder finder(kSan, names.front());
+  const auto count = [&] {
+    std::size_t found = 0;
+    for (const std::u16string& name : names) {
+      finder.set_text(name);
+      found += finder.found() ? 1 : 0;
+    }
+    return found;
+  };
+  std::size_t found = 0;
+  const bool agrees = bench::remember<bool>("fold-found-in", [&] {
+    const re::search_pattern pattern(kSan);
+    std::size_t expected = 0;
+    for (const std::u16string& name : names) expected += pattern.found_in(name) ? 1 : 0;
+    return count() == expected;
+  });
+  if (finder.failed() || !agrees) {
+    state.SkipWithError("the library does not find the query in as many names as usearch");
+    return;
+  }
+  for (auto _ : state) {
+    found = count();
+    benchmark::DoNotOptimize(found);
+  }
+  state.counters["found"] = static_cast<double>(found);
+  state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(names.size()));
+}
+
+// The fold of 1 KiB of French, against the library's mapped preparation of the
+// same text with case-insensitivity and diacritics removal (0x5).
+void lib_search_fold(benchmark::State& state) {
+  const std::u16string& text = french_text(1024);
+  for (auto _ : state) benchmark::DoNotOptimize(re::search_fold(text));
+  state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(text.size() * 2));
+}
+
+void lib_prepare_mapped(benchmark::State& state) {
+  const std::u16string& text = french_text(1024);
+  for (auto _ : state) benchmark::DoNotOptimize(re::prepare_text_mapped(text, 0x5));
+  state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(text.size() * 2));
+}
+
+// find_all over the UTF-8 form of the 1 MiB of French, against find_all over
+// the UTF-16 form (lib/fold_find_all/creme/french/1M).
+void lib_french_find_all_utf8(benchmark::State& state) {
+  const std::string& text = french_utf8();
+  const re::search_pattern pattern(kCreme);
+  const bool agrees = bench::remember<bool>("fold-utf8", [&] {
+    return pattern.find_all(text).size() == pattern.find_all(french_text(kUnits)).size();
+  });
+  if (!agrees) {
+    state.SkipWithError("UTF-8 and UTF-16 find_all do not find as many matches");
+    return;
+  }
+  std::size_t matches = 0;
+  for (auto _ : state) {
+    const std::vector<re::source_match> found = pattern.find_all(text);
+    benchmark::DoNotOptimize(found.data());
+    matches = found.size();
+  }
+  count_matches(state, matches);
+  state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(text.size()));
+}
+
+[[maybe_unused]] const bool registered = [] {
+  benchmark::RegisterBenchmark("lib/fold_find_all/creme/french/1M", lib_french_find_all);
+  benchmark::RegisterBenchmark("icu/fold_find_all/creme/french/1M", icu_french_find_all);
+  benchmark::RegisterBenchmark("lib/fold_find_all/creme/many-scripts/1M", lib_scripts_find_all);
+  benchmark::RegisterBenchmark("icu/fold_find_all/creme/many-scripts/1M", icu_scripts_find_all);
+  benchmark::RegisterBenchmark("lib/fold_found_in/san/names/10000", lib_found_in);
+  benchmark::RegisterBenchmark("icu/fold_found_in/san/names/10000", icu_found_in);
+  benchmark::RegisterBenchmark("lib/search_fold/french/1K", lib_search_fold);
+  benchmark::RegisterBenchmark("lib/fold_prepare_mapped/opt5/french/1K", lib_prepare_mapped);
+  benchmark::RegisterBenchmark("lib/fold_find_all_utf8/creme/french/1M", lib_french_find_all_utf8);
+  return true;
+}();
+
+}  // namespace
