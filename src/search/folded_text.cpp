@@ -21,16 +21,16 @@ int32_t folded_text::piece_end(int32_t end) const {
 
 void folded_text::grow(int32_t more) {
   const std::size_t needed = static_cast<std::size_t>(size) + static_cast<std::size_t>(more);
-  const std::size_t capacity = std::max(needed, units.size() * 2);
-  units.resize(capacity);
-  origin.resize(capacity);
+  const std::size_t capacity = std::max(needed, units.capacity() * 2);
+  units.reallocate(capacity, static_cast<std::size_t>(size));
+  origin.reallocate(capacity, static_cast<std::size_t>(size));
 }
 
 void folded_text::trim() {
   constexpr std::size_t kept = 1 << 16;
-  if (units.size() > kept) {
-    units = {};
-    origin = {};
+  if (units.capacity() > kept) {
+    units.release();
+    origin.release();
   }
   if (empty_pieces.capacity() > kept) empty_pieces = {};
 }

@@ -9,44 +9,60 @@
 #define SCL_REGEX_SRC_SEARCH_FOLDED_TEXT_H
 
 #include <cstdint>
+#include <cstring>
 #include <functional>
 #include <memory>
-#include <new>
 #include <string_view>
-#include <utility>
+#include <type_traits>
 #include <vector>
 
 #include "search/fold_table.h"
 
 namespace scl::regex::detail {
 
-// An allocator that leaves new elements uninitialised: the folded text is
-// written before it is read, and zero-filling it first would cost as much as a
-// pass over it.
+// Storage for elements of a trivially copyable type that grows without
+// initialising them: the folded text is written before it is read, and
+// initialising it first would cost as much as a pass over it.
 template <class T>
-struct uninitialised_allocator : std::allocator<T> {
-  template <class U>
-  struct rebind {
-    using other = uninitialised_allocator<U>;
-  };
-  uninitialised_allocator() = default;
-  template <class U>
-  explicit uninitialised_allocator(const uninitialised_allocator<U>&) noexcept {}
-  template <class U>
-  void construct(U* at) noexcept {
-    ::new (static_cast<void*>(at)) U;
+class growable_buffer {
+ public:
+  growable_buffer() = default;
+  growable_buffer(const growable_buffer&) = delete;
+  growable_buffer& operator=(const growable_buffer&) = delete;
+  ~growable_buffer() { release(); }
+
+  T* data() noexcept { return data_; }
+  const T* data() const noexcept { return data_; }
+  std::size_t capacity() const noexcept { return capacity_; }
+  T& operator[](std::size_t at) noexcept { return data_[at]; }
+  const T& operator[](std::size_t at) const noexcept { return data_[at]; }
+
+  // Makes room for `capacity` elements, keeping the first `kept`.
+  void reallocate(std::size_t capacity, std::size_t kept) {
+    T* fresh = std::allocator<T>().allocate(capacity);
+    if (kept != 0) std::memcpy(fresh, data_, kept * sizeof(T));
+    release();
+    data_ = fresh;
+    capacity_ = capacity;
   }
-  template <class U, class... Args>
-  void construct(U* at, Args&&... args) {
-    ::new (static_cast<void*>(at)) U(std::forward<Args>(args)...);
+
+  void release() noexcept {
+    if (data_ != nullptr) std::allocator<T>().deallocate(data_, capacity_);
+    data_ = nullptr;
+    capacity_ = 0;
   }
+
+ private:
+  static_assert(std::is_trivially_copyable_v<T>);
+  T* data_ = nullptr;
+  std::size_t capacity_ = 0;
 };
 
 struct folded_text {
   // The folded text is units[0, size); origin[i] is the source start of the
   // piece that unit i belongs to.
-  std::vector<char16_t, uninitialised_allocator<char16_t>> units;
-  std::vector<int32_t, uninitialised_allocator<int32_t>> origin;
+  growable_buffer<char16_t> units;
+  growable_buffer<int32_t> origin;
   std::vector<int32_t> empty_pieces;  // source starts of the pieces that fold to nothing
   int32_t size = 0;
   int32_t source_size = 0;
@@ -62,7 +78,9 @@ struct folded_text {
 
   // Room for `more` units past size.
   void reserve_more(int32_t more) {
-    if (static_cast<std::size_t>(size) + static_cast<std::size_t>(more) > units.size()) grow(more);
+    if (static_cast<std::size_t>(size) + static_cast<std::size_t>(more) > units.capacity()) {
+      grow(more);
+    }
   }
   void grow(int32_t more);
 
