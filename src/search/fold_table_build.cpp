@@ -258,6 +258,9 @@ UErrorCode build_fold_table(fold_table_image& image) {
       } else if (code_points == 1 && only == c) {
         value = fold_value::make(fold_kind::self, 0);
       } else if (code_points == 1) {
+        if (only - c > fold_value::max_delta || c - only > fold_value::max_delta) {
+          return U_BUFFER_OVERFLOW_ERROR;
+        }
         value = fold_value::make(fold_kind::delta, static_cast<std::uint32_t>(only - c));
       } else {
         auto found = pooled.find(fold);
@@ -275,9 +278,9 @@ UErrorCode build_fold_table(fold_table_image& image) {
         value = fold_value::make(fold_kind::pool, found->second << fold_value::length_bits |
                                                       static_cast<std::uint32_t>(fold.size()));
       }
-      if (u_getIntPropertyValue(c, UCHAR_NFC_QUICK_CHECK) != UNORM_YES) {
-        value |= fold_value::needs_nfc_bit;
-      }
+      const auto quick_check = u_getIntPropertyValue(c, UCHAR_NFC_QUICK_CHECK);
+      if (quick_check != UNORM_YES) value |= fold_value::needs_nfc_bit;
+      if (quick_check == UNORM_MAYBE) value |= fold_value::composes_back_bit;
       if (u_getCombiningClass(c) != 0) value |= fold_value::combining_bit;
       if (prevowels.count(c) != 0) value |= fold_value::prevowel_bit;
     }

@@ -6,7 +6,8 @@
 //   bit  24     NFC_Quick_Check is not Yes: text around it may need NFC
 //   bit  23     a Logical_Order_Exception prevowel that starts root contractions
 //   bit  22     canonical combining class is not 0
-//   bits 0-21   the delta (signed), or the pool string as offset << 5 | length
+//   bit  21     NFC_Quick_Check is Maybe: may compose with the character before it
+//   bits 0-20   the delta (signed), or the pool string as offset << 5 | length
 #ifndef SCL_REGEX_SRC_SEARCH_FOLD_VALUE_H
 #define SCL_REGEX_SRC_SEARCH_FOLD_VALUE_H
 
@@ -52,7 +53,10 @@ constexpr int class_shift = 25;
 constexpr std::uint32_t needs_nfc_bit = 1U << 24;
 constexpr std::uint32_t prevowel_bit = 1U << 23;
 constexpr std::uint32_t combining_bit = 1U << 22;
-constexpr std::uint32_t payload_mask = (1U << 22) - 1;
+constexpr std::uint32_t composes_back_bit = 1U << 21;
+constexpr int payload_bits = 21;
+constexpr std::uint32_t payload_mask = (1U << payload_bits) - 1;
+constexpr std::int32_t max_delta = (1 << (payload_bits - 1)) - 1;
 constexpr int length_bits = 5;
 constexpr std::uint32_t max_length = (1U << length_bits) - 1;
 constexpr std::uint32_t max_pool_offset = payload_mask >> length_bits;
@@ -66,9 +70,11 @@ constexpr grapheme_class klass(std::uint32_t value) {
 constexpr bool needs_nfc(std::uint32_t value) { return (value & needs_nfc_bit) != 0; }
 constexpr bool prevowel(std::uint32_t value) { return (value & prevowel_bit) != 0; }
 constexpr bool combining(std::uint32_t value) { return (value & combining_bit) != 0; }
+constexpr bool composes_back(std::uint32_t value) { return (value & composes_back_bit) != 0; }
 constexpr std::int32_t delta(std::uint32_t value) {
-  // Sign-extends the 22-bit payload.
-  return static_cast<std::int32_t>((value & payload_mask) ^ (1U << 21)) - (1 << 21);
+  // Sign-extends the payload.
+  constexpr std::uint32_t sign = 1U << (payload_bits - 1);
+  return static_cast<std::int32_t>((value & payload_mask) ^ sign) - static_cast<std::int32_t>(sign);
 }
 constexpr std::uint32_t pool_offset(std::uint32_t value) {
   return (value & payload_mask) >> length_bits;

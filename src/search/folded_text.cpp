@@ -208,12 +208,12 @@ class folder {
   // it does not compose with (a Bengali vowel sign after a consonant).
   bool out_of_nfc(UChar32 c, std::uint32_t value) const {
     if (fold_value::needs_nfc(value)) {
-      return previous_ < 0 || previous_combining_ ||
-             u_getIntPropertyValue(c, UCHAR_NFC_QUICK_CHECK) != UNORM_MAYBE ||
+      return previous_ < 0 || previous_combining_ || !fold_value::composes_back(value) ||
              unorm2_composePair(table_.nfc(), previous_, c) >= 0;
     }
     return fold_value::combining(value) && previous_combining_ &&
-           u_getCombiningClass(c) < u_getCombiningClass(previous_);
+           unorm2_getCombiningClass(table_.nfc(), c) <
+               unorm2_getCombiningClass(table_.nfc(), previous_);
   }
 
   void put(UChar32 c, int32_t origin) {
@@ -287,13 +287,12 @@ class folder {
     int previous_class = 0;
     for (int32_t at = 0; at < size;) {
       const UChar32 c = next_code_point(units, at, size);
-      const int klass = u_getCombiningClass(c);
+      const int klass = unorm2_getCombiningClass(table_.nfc(), c);
       if (klass != 0 && klass < previous_class) return false;
-      const auto check =
-          static_cast<UNormalizationCheckResult>(u_getIntPropertyValue(c, UCHAR_NFC_QUICK_CHECK));
-      if (check == UNORM_NO) return false;
+      const std::uint32_t value = table_.value(c);
+      if (fold_value::needs_nfc(value) && !fold_value::composes_back(value)) return false;
       const bool blocked = klass == 0 ? !adjacent : previous_class >= klass;
-      if (check == UNORM_MAYBE && starter >= 0 && !blocked &&
+      if (fold_value::composes_back(value) && starter >= 0 && !blocked &&
           unorm2_composePair(table_.nfc(), starter, c) >= 0) {
         return false;
       }
