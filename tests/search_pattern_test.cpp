@@ -226,6 +226,9 @@ TEST(RegexQuery, IsNotSupportedYet) {
       re::search_pattern::check(u"a+", re::query_syntax::regex);
   ASSERT_TRUE(error.has_value());
   EXPECT_EQ(error->error.getErrorCodeMnemonic(), "U_UNSUPPORTED_ERROR");
+  EXPECT_EQ(error->offset, re::npos);
+  EXPECT_NE(error->description.find("not supported"), std::string::npos) << error->description;
+  EXPECT_TRUE(re::search_pattern::check(std::string_view("a+"), re::query_syntax::regex));
 }
 
 TEST(Check, ALiteralQueryNeverFails) {

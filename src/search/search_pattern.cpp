@@ -59,8 +59,9 @@ std::shared_ptr<const detail::search_program> compile(std::u16string_view query,
 
 std::optional<pattern_error> check_query(query_syntax syntax) {
   if (syntax == query_syntax::literal) return std::nullopt;
-  const regex_exception unsupported(U_UNSUPPORTED_ERROR);
-  return pattern_error{unsupported, npos, unsupported.what()};
+  return pattern_error{regex_exception(U_UNSUPPORTED_ERROR), npos,
+                       "Regex queries are not supported yet: search_pattern takes literal "
+                       "queries (query_syntax::literal)."};
 }
 
 // The thread's folded text, reused from search to search; a large one is
