@@ -36,6 +36,21 @@ std::vector<detail::map_stretch> stretches(const detail::folded_text& folded,
       map.push_back({unit, static_cast<std::size_t>(empty[next_empty++]), false});
       continue;
     }
+    // A run of characters of one unit that fold to one unit: an aligned
+    // stretch, or more of the one before.
+    std::size_t run = unit;
+    while (run + 1 < folded_size && folded.origin[run + 1] == folded.origin[run] + 1 &&
+           !U16_IS_SURROGATE(folded.units[run]) &&
+           !U16_IS_SURROGATE(source[static_cast<std::size_t>(folded.origin[run])])) {
+      ++run;
+    }
+    if (run > unit && (next_empty == empty.size() || empty[next_empty] > folded.origin[run])) {
+      if (map.empty() || !map.back().aligned) {
+        map.push_back({unit, static_cast<std::size_t>(folded.origin[unit]), true});
+      }
+      unit = run;
+      continue;
+    }
     const auto start = static_cast<std::size_t>(folded.origin[unit]);
     std::size_t end_unit = unit + 1;
     while (end_unit < folded_size && folded.origin[end_unit] == folded.origin[unit]) ++end_unit;
