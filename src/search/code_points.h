@@ -6,6 +6,7 @@
 #define SCL_REGEX_SRC_SEARCH_CODE_POINTS_H
 
 #include <cstdint>
+#include <string>
 
 #include <unicode/utf16.h>
 #include <unicode/utf8.h>
@@ -35,6 +36,16 @@ inline UChar32 previous_code_point(const char* text, int32_t& at) {
   UChar32 c = 0;
   U8_PREV(text, 0, at, c);
   return c < 0 ? 0xFFFD : c;
+}
+
+// Appends `c` to `text` as UTF-16.
+inline void append_code_point(std::u16string& text, UChar32 c) {
+  if (c <= 0xFFFF) {
+    text += static_cast<char16_t>(c);
+  } else {
+    text += static_cast<char16_t>(U16_LEAD(c));
+    text += static_cast<char16_t>(U16_TRAIL(c));
+  }
 }
 
 // The code point that starts at `at`.

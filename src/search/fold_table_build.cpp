@@ -16,6 +16,7 @@
 #include <unicode/uset.h>
 #include <unicode/utf16.h>
 
+#include "search/code_points.h"
 #include "search/fold_value.h"
 
 namespace scl::regex::detail {
@@ -94,18 +95,9 @@ grapheme_class class_of(UChar32 c) {
   }
 }
 
-void append(std::u16string& out, UChar32 c) {
-  if (c <= 0xFFFF) {
-    out += static_cast<char16_t>(c);
-  } else {
-    out += static_cast<char16_t>(U16_LEAD(c));
-    out += static_cast<char16_t>(U16_TRAIL(c));
-  }
-}
-
 std::u16string code_point_text(UChar32 c) {
   std::u16string text;
-  append(text, c);
+  append_code_point(text, c);
   return text;
 }
 
@@ -249,7 +241,7 @@ UErrorCode build_fold_table(fold_table_image& image) {
       for (std::uint32_t k = first[c]; k < first[c + 1]; ++k) {
         const UChar32 r = representative(primaries[k]);
         if (r < 0) return U_INTERNAL_PROGRAM_ERROR;
-        append(fold, r);
+        append_code_point(fold, r);
         only = r;
         ++code_points;
       }

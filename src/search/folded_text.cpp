@@ -108,6 +108,18 @@ class folder {
     return units;
   }
 
+  // Ends a run of fold_latin or fold_simple: the folded text ends at `units`;
+  // if the run folded anything, `last` was its last character, folded to
+  // nothing or not.
+  void end_run(const char16_t* units, bool folded_any, UChar32 last, bool last_empty) {
+    out_.size = static_cast<int32_t>(units - out_.units.data());
+    if (folded_any) {
+      previous_ = last;
+      previous_combining_ = false;
+      last_piece_empty_ = last_empty;
+    }
+  }
+
   // Characters that the Latin table folds, as long as they come.
   int32_t fold_latin(int32_t at, int32_t end) {
     out_.reserve_more(2 * (end - at) + 2);
@@ -115,6 +127,7 @@ class folder {
     int32_t* origin = out_.origin.data() + out_.size;
     const int32_t first = at;
     UChar32 last = -1;
+    bool last_empty = false;
     while (at < end) {
       UChar32 c = static_cast<unsigned char>(text_[at]);
       int32_t length = 1;
@@ -131,7 +144,8 @@ class folder {
       }
       const std::uint32_t fold = table_.latin(static_cast<char16_t>(c));
       if (fold == fold_table::latin_slow) break;
-      if (fold == fold_table::latin_nothing) {
+      last_empty = fold == fold_table::latin_nothing;
+      if (last_empty) {
         out_.empty_pieces.push_back(at);
       } else {
         *units++ = static_cast<char16_t>(fold);
@@ -144,12 +158,7 @@ class folder {
       last = c;
       at += length;
     }
-    out_.size = static_cast<int32_t>(units - out_.units.data());
-    if (at > first) {
-      previous_ = last;
-      previous_combining_ = false;
-      last_piece_empty_ = table_.latin(static_cast<char16_t>(last)) == fold_table::latin_nothing;
-    }
+    end_run(units, at > first, last, last_empty);
     return at;
   }
 
@@ -193,12 +202,7 @@ class folder {
       }
       last = c;
     }
-    out_.size = static_cast<int32_t>(units - out_.units.data());
-    if (at > first) {
-      previous_ = last;
-      previous_combining_ = false;
-      last_piece_empty_ = false;
-    }
+    end_run(units, at > first, last, false);
     return at;
   }
 
@@ -334,15 +338,7 @@ class folder {
                         (out_.size == 0 || out_.empty_pieces.back() > out_.origin[out_.size - 1]);
 
     segment_.clear();
-    for (int32_t k = start; k < end;) {
-      const UChar32 c = next_code_point(text_, k, size_);
-      if (c <= 0xFFFF) {
-        segment_ += static_cast<char16_t>(c);
-      } else {
-        segment_ += static_cast<char16_t>(U16_LEAD(c));
-        segment_ += static_cast<char16_t>(U16_TRAIL(c));
-      }
-    }
+    for (int32_t k = start; k < end;) append_code_point(segment_, next_code_point(text_, k, size_));
     if (quick_nfc(segment_)) return std::max(end, fold_run(start, end, false));
     UErrorCode status = U_ZERO_ERROR;
     normalised_.resize(segment_.size() * 3 + 8);

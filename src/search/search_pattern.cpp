@@ -3,10 +3,8 @@
 #include <string>
 #include <utility>
 
-#include <unicode/utf16.h>
-
+#include "i18n/host_i18n.h"
 #include "icu/icu_string.h"
-#include "search/code_points.h"
 #include "search/fold_table.h"
 #include "search/folded_text.h"
 #include "search/literal_search.h"
@@ -27,23 +25,6 @@ struct search_program {
 namespace {
 
 using detail::source_span;
-
-// The query as UTF-16: ill-formed UTF-8 reads as U+FFFD.
-std::u16string utf16_query(std::string_view utf8) {
-  std::u16string query;
-  query.reserve(utf8.size());
-  const int32_t size = detail::icu_length(utf8.size());
-  for (int32_t at = 0; at < size;) {
-    const UChar32 c = detail::next_code_point(utf8.data(), at, size);
-    if (c <= 0xFFFF) {
-      query += static_cast<char16_t>(c);
-    } else {
-      query += static_cast<char16_t>(U16_LEAD(c));
-      query += static_cast<char16_t>(U16_TRAIL(c));
-    }
-  }
-  return query;
-}
 
 std::shared_ptr<const detail::search_program> compile(std::u16string_view query,
                                                       query_syntax syntax) {
@@ -161,7 +142,7 @@ search_pattern::search_pattern(std::u16string_view query, query_syntax syntax)
     : program_(compile(query, syntax)) {}
 
 search_pattern::search_pattern(std::string_view utf8_query, query_syntax syntax)
-    : program_(compile(utf16_query(utf8_query), syntax)) {}
+    : program_(compile(detail::i18n::utf8_to_ustring(std::string(utf8_query)), syntax)) {}
 
 search_pattern::search_pattern(const search_pattern&) noexcept = default;
 search_pattern::search_pattern(search_pattern&&) noexcept = default;
