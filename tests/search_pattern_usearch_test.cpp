@@ -440,6 +440,24 @@ bool well_formed(const std::vector<re::source_match>& matches, std::size_t text_
   return true;
 }
 
+// found_in, find_first and replace_all on UTF-8 `text` agree with `bytes`,
+// the ranges find_all gives for it.
+void check_utf8_agreement(const re::search_pattern& pattern, const std::string& text,
+                          const ranges& bytes, failure_log& log, const std::string& where) {
+  if (pattern.found_in(text) != !bytes.empty()) {
+    log.add("found_in disagrees with find_all (UTF-8)", where);
+  }
+  const std::optional<re::source_match> first = pattern.find_first(text);
+  if (first.has_value() != !bytes.empty() ||
+      (first && range{first->start, first->end} != bytes.front())) {
+    log.add("find_first is not the first of find_all (UTF-8)", where);
+  }
+  const std::string marker = "<>";
+  if (pattern.replace_all(text, marker) != rebuilt(text, bytes, marker)) {
+    log.add("replace_all does not replace exactly the ranges of find_all (UTF-8)", where);
+  }
+}
+
 // Runs `pattern` (and `pattern8`, the same query given in UTF-8) over `text`
 // in every form: UTF-16 and UTF-8, find_all, found_in, find_first and
 // replace_all must all agree. Returns the UTF-16 find_all.
@@ -483,18 +501,7 @@ ranges check_forms(const re::search_pattern& pattern, const re::search_pattern& 
   if (ranges_of(pattern8.find_all(text)) != expected) {
     log.add("a UTF-8 query finds other matches than its UTF-16 form (UTF-16 text)", where);
   }
-  if (pattern.found_in(text8.bytes) != !bytes.empty()) {
-    log.add("found_in disagrees with find_all (UTF-8)", where);
-  }
-  const std::optional<re::source_match> first8 = pattern.find_first(text8.bytes);
-  if (first8.has_value() != !bytes.empty() ||
-      (first8 && range{first8->start, first8->end} != bytes.front())) {
-    log.add("find_first is not the first of find_all (UTF-8)", where);
-  }
-  const std::string marker8 = "<>";
-  if (pattern.replace_all(text8.bytes, marker8) != rebuilt(text8.bytes, bytes, marker8)) {
-    log.add("replace_all does not replace the ranges of find_all (UTF-8)", where);
-  }
+  check_utf8_agreement(pattern, text8.bytes, bytes, log, where);
   return expected;
 }
 
@@ -802,18 +809,7 @@ TEST(SearchPatternUtf8, IllFormedSequencesReadAsReplacementCharacters) {
         log.add("UTF-8 find_all differs from UTF-16 on the text as read",
                 where + " UTF-16 " + show(expected) + " UTF-8 bytes " + show(bytes));
       }
-      if (pattern.found_in(damaged.bytes) != !bytes.empty()) {
-        log.add("found_in disagrees with find_all (UTF-8)", where);
-      }
-      const std::optional<re::source_match> first = pattern.find_first(damaged.bytes);
-      if (first.has_value() != !bytes.empty() ||
-          (first && range{first->start, first->end} != bytes.front())) {
-        log.add("find_first is not the first of find_all (UTF-8)", where);
-      }
-      const std::string marker = "<>";
-      if (pattern.replace_all(damaged.bytes, marker) != rebuilt(damaged.bytes, bytes, marker)) {
-        log.add("replace_all does not keep the bytes outside the matches", where);
-      }
+      check_utf8_agreement(pattern, damaged.bytes, bytes, log, where);
     }
   }
   EXPECT_EQ(log.total(), 0) << log.summary();
