@@ -4,8 +4,8 @@
 #include <string>
 #include <utility>
 
-#include "errors/caret_excerpt.h"
 #include "errors/parse_offset.h"
+#include "errors/pattern_error_description.h"
 #include "icu/compile.h"
 #include "scl/regex/prepared_text.h"
 
@@ -25,15 +25,7 @@ std::optional<pattern_error> check_pattern(const std::u16string& pattern,
                                              : prepared.source_size();
   }
   const regex_exception error = compiled.error();
-  std::string description = error.what();
-  if (offset == npos) {
-    // Only the pattern: there is nothing to point at.
-    const std::string excerpt = detail::caret_excerpt(pattern, 0);
-    description += " (no position given)\n" + excerpt.substr(0, excerpt.rfind('\n'));
-  } else {
-    description += " (at offset " + std::to_string(offset) + ")\n";
-    description += detail::caret_excerpt(pattern, offset);
-  }
+  std::string description = detail::describe_pattern_error(error, pattern, offset, offset);
   return pattern_error{error, offset, std::move(description)};
 }
 

@@ -3,7 +3,7 @@
 #include <vector>
 
 #include "object/match_walk.h"
-#include "oneshot/replacement_template.h"
+#include "icu/replacement_template.h"
 #include "oneshot/source_locator.h"
 #include "scl/regex/exception.h"
 #include "scl/regex/regex_impl.h"
@@ -32,12 +32,12 @@ std::u16string regex_replace_preserving(regex& re, const std::u16string& subject
           // As in ICU, the replacement is read at the first match, and names
           // are those of the engine that found it.
           const regex_impl_abstract* engine = match.impl;
-          valid = detail::parse_replacement(
+          valid = U_SUCCESS(detail::parse_replacement(
               template_text, group_count,
               [engine](const std::string& name) {
                 return engine != nullptr ? engine->getGroupNumber(name) : -1;
               },
-              parts);
+              parts));
           parsed = true;
           if (!valid) return;
         }

@@ -105,6 +105,18 @@ fold_table::fold_table(const std::uint8_t* trie, std::size_t trie_size, const ch
 
 fold_table::~fold_table() { ucptrie_close(trie_); }
 
+namespace {
+
+uint32_t U_CALLCONV fold_only(const void*, uint32_t value) {
+  return value & (3U << fold_value::kind_shift | fold_value::payload_mask);
+}
+
+}  // namespace
+
+UChar32 fold_table::fold_run(UChar32 start, std::uint32_t& fold) const {
+  return ucptrie_getRange(trie_, start, UCPMAP_RANGE_NORMAL, 0, fold_only, nullptr, &fold);
+}
+
 bool fold_table::contracts(UChar32 prevowel, UChar32 next) const {
   const code_point_pair* end = pairs_ + pair_count_;
   const code_point_pair* it = std::lower_bound(

@@ -34,6 +34,12 @@ class fold_table {
   std::uint32_t value(UChar32 c) const { return UCPTRIE_FAST_GET(trie_, UCPTRIE_32, c); }
   std::uint32_t bmp_value(char16_t c) const { return UCPTRIE_FAST_BMP_GET(trie_, UCPTRIE_32, c); }
   const char16_t* pool() const { return pool_; }
+
+  // The last code point of the run from `start` whose folds are all alike:
+  // each folds to itself, or all to themselves plus one delta, or all to one
+  // pool string, or all to nothing. `fold` gets the run's value, with only
+  // its kind and payload.
+  UChar32 fold_run(UChar32 start, std::uint32_t& fold) const;
   const UNormalizer2* nfc() const { return nfc_; }
 
   // Whether `prevowel` and `next` form a root contraction that NFC leaves alone.

@@ -2,15 +2,12 @@
 
 #include <cstring>
 
-#include <unicode/uchar.h>
-
 #if defined(__SSE2__)
 #include <emmintrin.h>
 #endif
 
 #include "scl/regex/exception.h"
-#include "search/code_points.h"
-#include "search/grapheme_boundary.h"
+#include "search/match_rules.h"
 #include "time_limit/deadline.h"
 
 namespace scl::regex::detail {
@@ -61,7 +58,7 @@ template <class Unit>
 class literal_finder {
  public:
   literal_finder(const fold_table& table, const Unit* source, const folded_text& folded)
-      : table_(table), source_(source), size_(folded.source_size), folded_(folded) {}
+      : rules_(table, source, folded), folded_(folded) {}
 
   int32_t run(std::u16string_view query, int32_t from, int32_t final_units, bool last,
               std::size_t limit, std::vector<source_span>& out) const {
@@ -81,7 +78,7 @@ class literal_finder {
       source_span span{};
       if ((length <= 2 ||
            std::memcmp(hit + 2, query.data() + 2, static_cast<std::size_t>(length - 2) * 2) == 0) &&
-          accepts(start, end, span)) {
+          rules_.accepts(start, end, span)) {
         out.push_back(span);
         from = end;
       } else {
@@ -98,39 +95,7 @@ class literal_finder {
   }
 
  private:
-  // Whether folded units [start, end) make a match, and where it is in the source.
-  bool accepts(int32_t start, int32_t end, source_span& span) const {
-    if (!folded_.starts_piece(start) || !folded_.ends_piece(end)) return false;
-    span.start = folded_.origin[start];
-    span.end = folded_.piece_end(end);
-    if (!grapheme_boundary(table_, source_, size_, span.start)) return false;
-    if (inside_contraction(span.start) || inside_contraction(span.end)) return false;
-    return !splits_marks(span.end);
-  }
-
-  // Whether `at` falls between a prevowel and the character it contracts with.
-  bool inside_contraction(int32_t at) const {
-    if (at <= 0 || at >= size_) return false;
-    const UChar32 before = code_point_before(source_, at);
-    return fold_value::prevowel(table_.value(before)) &&
-           table_.contracts(before, code_point_at(source_, at, size_));
-  }
-
-  // Whether an end at `at` falls between two characters that canonical
-  // reordering could swap (non-zero trailing, then non-zero leading class).
-  bool splits_marks(int32_t at) const {
-    if (at <= 0 || at >= size_) return false;
-    const UChar32 after = code_point_at(source_, at, size_);
-    if (after < 0x300 || u_getIntPropertyValue(after, UCHAR_LEAD_CANONICAL_COMBINING_CLASS) == 0) {
-      return false;
-    }
-    return u_getIntPropertyValue(code_point_before(source_, at),
-                                 UCHAR_TRAIL_CANONICAL_COMBINING_CLASS) != 0;
-  }
-
-  const fold_table& table_;
-  const Unit* source_;
-  int32_t size_;
+  match_rules<Unit> rules_;
   const folded_text& folded_;
 };
 

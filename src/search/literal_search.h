@@ -12,14 +12,9 @@
 
 #include "search/fold_table.h"
 #include "search/folded_text.h"
+#include "search/match_rules.h"
 
 namespace scl::regex::detail {
-
-// A match in the source, in its units.
-struct source_span {
-  int32_t start;
-  int32_t end;
-};
 
 // Appends to `out` the matches of `query` (folded, not empty) in `source`,
 // folded as `folded`, going on from folded unit `from` without overlap, until

@@ -3,11 +3,20 @@
 #include <string>
 #include <utility>
 
+#include <unicode/regex.h>
+
+#include "errors/parse_offset.h"
+#include "errors/pattern_error_description.h"
 #include "i18n/host_i18n.h"
+#include "icu/compile.h"
 #include "icu/icu_string.h"
+#include "icu/replacement_template.h"
+#include "search/code_points.h"
 #include "search/fold_table.h"
 #include "search/folded_text.h"
 #include "search/literal_search.h"
+#include "search/pattern_fold.h"
+#include "search/regex_search.h"
 #include "time_limit/deadline.h"
 
 namespace scl::regex {
@@ -17,7 +26,9 @@ namespace detail {
 // What a search_pattern shares between its copies.
 struct search_program {
   query_syntax syntax = query_syntax::literal;
-  std::u16string query;  // folded
+  std::u16string query;    // a literal query, folded
+  shared_pattern pattern;  // a regex query: ICU's pattern for it, folded
+  int group_count = 0;
 };
 
 }  // namespace detail
@@ -26,23 +37,87 @@ namespace {
 
 using detail::source_span;
 
-std::shared_ptr<const detail::search_program> compile(std::u16string_view query,
-                                                      query_syntax syntax) {
-  if (syntax != query_syntax::literal) throw regex_exception(U_UNSUPPORTED_ERROR);
+// A query compiled, or why it cannot be: ICU's error, with its UTF-16 offset
+// in the query (npos where ICU gives none).
+struct compiled_query {
+  std::shared_ptr<const detail::search_program> program;
+  std::optional<regex_exception> error;
+  std::size_t offset = npos;
+};
+
+compiled_query compile_literal(std::u16string_view query) {
   auto program = std::make_shared<detail::search_program>();
-  program->syntax = syntax;
   detail::folded_text folded;
   detail::fold_text(detail::fold_table::get(), query.data(), detail::icu_length(query.size()),
                     false, folded);
   program->query.assign(folded.text());
-  return program;
+  return compiled_query{std::move(program), std::nullopt, npos};
 }
 
-std::optional<pattern_error> check_query(query_syntax syntax) {
-  if (syntax == query_syntax::literal) return std::nullopt;
-  return pattern_error{regex_exception(U_UNSUPPORTED_ERROR), npos,
-                       "Regex queries are not supported yet: search_pattern takes literal "
-                       "queries (query_syntax::literal)."};
+// The offset in `pattern` where ICU stopped compiling it, or npos.
+std::size_t error_offset(const std::u16string& pattern, const detail::compiled_pattern& compiled) {
+  return detail::parse_offset(pattern, compiled.where.line, compiled.where.offset);
+}
+
+// A regex query: ICU must compile it as it stands (so that its errors are
+// ICU's, at ICU's offsets), then its fold, which ICU runs on folded text.
+// "." matches line ends, as everywhere in the library.
+compiled_query compile_regex(std::u16string_view query) {
+  const detail::compiled_pattern as_written = detail::compile_prepared(query, 0);
+  if (!as_written) {
+    return compiled_query{nullptr, as_written.error(),
+                          error_offset(std::u16string(query), as_written)};
+  }
+  const detail::folded_pattern folded = detail::fold_pattern(detail::fold_table::get(), query);
+  const detail::compiled_pattern compiled = detail::compile_prepared(folded.text, 0);
+  if (!compiled) {
+    const std::size_t at = error_offset(folded.text, compiled);
+    return compiled_query{nullptr, compiled.error(),
+                          at == npos ? npos : static_cast<std::size_t>(folded.source_offset(at))};
+  }
+  auto program = std::make_shared<detail::search_program>();
+  program->syntax = query_syntax::regex;
+  program->pattern = compiled.pattern;
+  UErrorCode status = U_ZERO_ERROR;
+  const std::unique_ptr<icu::RegexMatcher> matcher(program->pattern->matcher(status));
+  if (U_FAILURE(status)) return compiled_query{nullptr, regex_exception(status), npos};
+  if (matcher == nullptr) throw std::bad_alloc();
+  program->group_count = matcher->groupCount();
+  return compiled_query{std::move(program), std::nullopt, npos};
+}
+
+compiled_query compile_query(std::u16string_view query, query_syntax syntax) {
+  return syntax == query_syntax::regex ? compile_regex(query) : compile_literal(query);
+}
+
+std::shared_ptr<const detail::search_program> compile(std::u16string_view query,
+                                                      query_syntax syntax) {
+  compiled_query compiled = compile_query(query, syntax);
+  if (compiled.error) throw *compiled.error;
+  return std::move(compiled.program);
+}
+
+// The byte offset in `utf8` of UTF-16 offset `at` in its decoding (ill-formed
+// sequences read as one U+FFFD each).
+std::size_t utf8_offset(std::string_view utf8, std::size_t at) {
+  const auto size = detail::icu_length(utf8.size());
+  int32_t byte = 0;
+  for (std::size_t units = 0; units < at && byte < size;) {
+    units += detail::next_code_point(utf8.data(), byte, size) > 0xFFFF ? 2 : 1;
+  }
+  return static_cast<std::size_t>(byte);
+}
+
+std::optional<pattern_error> check_query(std::u16string_view query, query_syntax syntax,
+                                         std::string_view utf8_query = {}, bool utf8 = false) {
+  if (syntax == query_syntax::literal) return std::nullopt;  // never fails
+  const compiled_query compiled = compile_query(query, syntax);
+  if (!compiled.error) return std::nullopt;
+  const std::size_t offset =
+      utf8 && compiled.offset != npos ? utf8_offset(utf8_query, compiled.offset) : compiled.offset;
+  return pattern_error{*compiled.error, offset,
+                       detail::describe_pattern_error(*compiled.error, std::u16string(query),
+                                                      compiled.offset, offset)};
 }
 
 // The thread's folded text, reused from search to search; a large one is
@@ -62,16 +137,24 @@ class scratch_text {
 
 // The matches of `program` in `text`, at most `limit` of them.
 template <class Unit>
-std::vector<source_span> search(const detail::search_program* program,
-                                std::basic_string_view<Unit> text, std::size_t limit) {
-  std::vector<source_span> spans;
-  if (program == nullptr || program->query.empty()) return spans;
+detail::regex_matches search(const detail::search_program* program,
+                             std::basic_string_view<Unit> text, std::size_t limit) {
+  detail::regex_matches found;
+  if (program == nullptr) return found;
+  if (program->syntax == query_syntax::literal && program->query.empty()) return found;
   UErrorCode status = U_ZERO_ERROR;
   detail::check_deadline(status);
   if (U_FAILURE(status)) throw regex_exception(status);
   const detail::fold_table& table = detail::fold_table::get();
   const scratch_text scratch;
   detail::folded_text& folded = scratch_text::text();
+  const int32_t size = detail::icu_length(text.size());
+  if (program->syntax == query_syntax::regex) {
+    // A regex may look anywhere: the whole text is folded first.
+    detail::fold_text(table, text.data(), size, true, folded);
+    detail::find_regex(table, *program->pattern, text.data(), folded, limit, found);
+    return found;
+  }
   // The search follows the fold, so that it can stop at the first match. (One
   // reference captured: std::function keeps it without allocating.)
   struct {
@@ -82,53 +165,116 @@ std::vector<source_span> search(const detail::search_program* program,
     std::size_t limit;
     std::vector<source_span>& spans;
     int32_t from;
-  } state{table, *program, text, folded, limit, spans, 0};
-  detail::fold_text(table, text.data(), detail::icu_length(text.size()), true, folded,
+  } state{table, *program, text, folded, limit, found.spans, 0};
+  detail::fold_text(table, text.data(), size, true, folded,
                     [&state](int32_t final_units, bool last) {
                       state.from = detail::find_literal(
                           state.table, state.program.query, state.text.data(), state.folded,
                           state.from, final_units, last, state.limit, state.spans);
                       return state.spans.size() >= state.limit;
                     });
-  return spans;
+  return found;
 }
 
-source_match to_match(const source_span& span) {
-  const auto start = static_cast<std::size_t>(span.start);
-  const auto end = static_cast<std::size_t>(span.end);
-  return source_match{start, end, {{start, end}}};
+source_match to_match(const detail::regex_matches& found, std::size_t i) {
+  const source_span* spans = found.match(i);
+  source_match match;
+  match.start = static_cast<std::size_t>(spans[0].start);
+  match.end = static_cast<std::size_t>(spans[0].end);
+  match.groups.reserve(found.per_match);
+  for (std::size_t group = 0; group < found.per_match; ++group) {
+    const source_span& span = spans[group];
+    if (span.start < 0) {
+      match.groups.emplace_back(npos, npos);
+    } else {
+      match.groups.emplace_back(static_cast<std::size_t>(span.start),
+                                static_cast<std::size_t>(span.end));
+    }
+  }
+  return match;
 }
 
 template <class Unit>
 std::vector<source_match> all_matches(const detail::search_program* program,
                                       std::basic_string_view<Unit> text) {
-  const std::vector<source_span> spans = search(program, text, npos);
+  const detail::regex_matches found = search(program, text, npos);
   std::vector<source_match> matches;
-  matches.reserve(spans.size());
-  for (const source_span& span : spans) matches.push_back(to_match(span));
+  matches.reserve(found.size());
+  for (std::size_t i = 0; i < found.size(); ++i) matches.push_back(to_match(found, i));
   return matches;
 }
 
 template <class Unit>
 std::optional<source_match> first_match(const detail::search_program* program,
                                         std::basic_string_view<Unit> text) {
-  const std::vector<source_span> spans = search(program, text, 1);
-  if (spans.empty()) return std::nullopt;
-  return to_match(spans.front());
+  const detail::regex_matches found = search(program, text, 1);
+  if (found.size() == 0) return std::nullopt;
+  return to_match(found, 0);
+}
+
+int group_number_of(const detail::search_program* program, std::string_view name) {
+  if (program == nullptr || program->pattern == nullptr || name.size() > INT32_MAX) return -1;
+  UErrorCode status = U_ZERO_ERROR;
+  const int32_t number = program->pattern->groupNumberFromName(
+      name.data(), static_cast<int32_t>(name.size()), status);
+  return U_SUCCESS(status) ? number : -1;
+}
+
+std::u16string to_utf16(std::u16string_view text) { return std::u16string(text); }
+std::u16string to_utf16(std::string_view utf8) {
+  return detail::i18n::utf8_to_ustring(std::string(utf8));
+}
+std::u16string from_utf16(std::u16string text, char16_t) { return text; }
+std::string from_utf16(const std::u16string& text, char) { return detail::i18n::to_string(text); }
+
+// A replacement read as the query's syntax says: taken literally after a
+// literal query, with ICU's syntax after a regex query.
+template <class Unit>
+struct expansion_part {
+  std::basic_string<Unit> text;
+  int group = -1;
+};
+
+template <class Unit>
+std::vector<expansion_part<Unit>> read_replacement(const detail::search_program* program,
+                                                   std::basic_string_view<Unit> replacement) {
+  std::vector<expansion_part<Unit>> expansion;
+  if (program == nullptr || program->syntax == query_syntax::literal) {
+    expansion.push_back({std::basic_string<Unit>(replacement), -1});
+    return expansion;
+  }
+  std::vector<detail::replacement_part> parts;
+  const UErrorCode status = detail::parse_replacement(
+      to_utf16(replacement), program->group_count,
+      [program](const std::string& name) { return group_number_of(program, name); }, parts);
+  if (U_FAILURE(status)) throw regex_exception(status);
+  for (detail::replacement_part& part : parts) {
+    expansion.push_back({from_utf16(std::move(part.text), Unit{}), part.group});
+  }
+  return expansion;
 }
 
 template <class Unit>
 std::basic_string<Unit> replace(const detail::search_program* program,
                                 std::basic_string_view<Unit> text,
                                 std::basic_string_view<Unit> replacement) {
-  const std::vector<source_span> spans = search(program, text, npos);
+  const std::vector<expansion_part<Unit>> expansion = read_replacement(program, replacement);
+  const detail::regex_matches found = search(program, text, npos);
   std::basic_string<Unit> result;
   result.reserve(text.size());
   std::size_t kept = 0;
-  for (const source_span& span : spans) {
-    result.append(text.substr(kept, static_cast<std::size_t>(span.start) - kept));
-    result.append(replacement);
-    kept = static_cast<std::size_t>(span.end);
+  for (std::size_t i = 0; i < found.size(); ++i) {
+    const source_span* spans = found.match(i);
+    result.append(text.substr(kept, static_cast<std::size_t>(spans[0].start) - kept));
+    for (const expansion_part<Unit>& part : expansion) {
+      if (part.group < 0) {
+        result.append(part.text);
+      } else if (const source_span& group = spans[part.group]; group.start >= 0) {
+        result.append(text.substr(static_cast<std::size_t>(group.start),
+                                  static_cast<std::size_t>(group.end - group.start)));
+      }
+    }
+    kept = static_cast<std::size_t>(spans[0].end);
   }
   result.append(text.substr(kept));
   return result;
@@ -150,24 +296,31 @@ search_pattern& search_pattern::operator=(const search_pattern&) noexcept = defa
 search_pattern& search_pattern::operator=(search_pattern&&) noexcept = default;
 search_pattern::~search_pattern() = default;
 
-std::optional<pattern_error> search_pattern::check(std::u16string_view, query_syntax syntax) {
-  return check_query(syntax);
+std::optional<pattern_error> search_pattern::check(std::u16string_view query,
+                                                   query_syntax syntax) {
+  return check_query(query, syntax);
 }
 
-std::optional<pattern_error> search_pattern::check(std::string_view, query_syntax syntax) {
-  return check_query(syntax);
+std::optional<pattern_error> search_pattern::check(std::string_view utf8_query,
+                                                   query_syntax syntax) {
+  return check_query(detail::i18n::utf8_to_ustring(std::string(utf8_query)), syntax, utf8_query,
+                     true);
 }
 
 query_syntax search_pattern::syntax() const noexcept {
   return program_ != nullptr ? program_->syntax : query_syntax::literal;
 }
 
-int search_pattern::group_count() const noexcept { return 0; }
+int search_pattern::group_count() const noexcept {
+  return program_ != nullptr ? program_->group_count : 0;
+}
 
-int search_pattern::group_number(std::string_view) const noexcept { return -1; }
+int search_pattern::group_number(std::string_view name) const noexcept {
+  return group_number_of(program_.get(), name);
+}
 
 bool search_pattern::found_in(std::u16string_view text) const {
-  return !search(program_.get(), text, 1).empty();
+  return search(program_.get(), text, 1).size() != 0;
 }
 
 std::optional<source_match> search_pattern::find_first(std::u16string_view text) const {
@@ -184,7 +337,7 @@ std::u16string search_pattern::replace_all(std::u16string_view text,
 }
 
 bool search_pattern::found_in(std::string_view utf8_text) const {
-  return !search(program_.get(), utf8_text, 1).empty();
+  return search(program_.get(), utf8_text, 1).size() != 0;
 }
 
 std::optional<source_match> search_pattern::find_first(std::string_view utf8_text) const {

@@ -1,4 +1,4 @@
-#include "oneshot/replacement_template.h"
+#include "icu/replacement_template.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -80,7 +80,7 @@ bool name_character(UChar32 c) {
 
 }  // namespace
 
-bool parse_replacement(const std::u16string& replacement, int group_count,
+UErrorCode parse_replacement(const std::u16string& replacement, int group_count,
                        const std::function<int(const std::string&)>& number_of,
                        std::vector<replacement_part>& parts) {
   parts.clear();
@@ -104,7 +104,7 @@ bool parse_replacement(const std::u16string& replacement, int group_count,
       append_literal(parts, c);
       continue;
     }
-    if (at == length) return false;
+    if (at == length) return U_REGEX_INVALID_CAPTURE_GROUP_NAME;
     UChar32 next;
     std::size_t after = at;
     U16_NEXT(replacement.data(), after, length, next);
@@ -113,16 +113,18 @@ bool parse_replacement(const std::u16string& replacement, int group_count,
       std::string name;
       at = after;
       for (;;) {
-        if (at == length) return false;
+        if (at == length) return U_REGEX_INVALID_CAPTURE_GROUP_NAME;
         U16_NEXT(replacement.data(), at, length, next);
         if (next == u'}') break;
-        if (!name_character(next)) return false;
+        if (!name_character(next)) return U_REGEX_INVALID_CAPTURE_GROUP_NAME;
         name += static_cast<char>(next);
       }
       // Names of groups start with a letter; "${1}" names no group.
-      if (name.empty() || (name[0] >= '1' && name[0] <= '9')) return false;
+      if (name.empty() || (name[0] >= '1' && name[0] <= '9')) {
+        return U_REGEX_INVALID_CAPTURE_GROUP_NAME;
+      }
       group = number_of(name);
-      if (group <= 0) return false;
+      if (group <= 0) return U_REGEX_INVALID_CAPTURE_GROUP_NAME;
     } else if (u_isdigit(next)) {
       int digits = 0;
       while (at < length) {
@@ -132,7 +134,7 @@ bool parse_replacement(const std::u16string& replacement, int group_count,
         if (!u_isdigit(digit)) break;
         const int value = u_charDigitValue(digit);
         if (group * 10 + value > group_count) {
-          if (digits == 0) return false;
+          if (digits == 0) return U_INDEX_OUTOFBOUNDS_ERROR;
           break;
         }
         group = group * 10 + value;
@@ -140,11 +142,11 @@ bool parse_replacement(const std::u16string& replacement, int group_count,
         at = digit_end;
       }
     } else {
-      return false;
+      return U_REGEX_INVALID_CAPTURE_GROUP_NAME;
     }
     parts.push_back({{}, group});
   }
-  return true;
+  return U_ZERO_ERROR;
 }
 
 }  // namespace scl::regex::detail

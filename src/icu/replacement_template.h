@@ -1,11 +1,13 @@
 // Replacement text in ICU's syntax, read once into literal text and group
 // references, so that groups can be taken from any text.
-#ifndef SCL_REGEX_SRC_ONESHOT_REPLACEMENT_TEMPLATE_H
-#define SCL_REGEX_SRC_ONESHOT_REPLACEMENT_TEMPLATE_H
+#ifndef SCL_REGEX_SRC_ICU_REPLACEMENT_TEMPLATE_H
+#define SCL_REGEX_SRC_ICU_REPLACEMENT_TEMPLATE_H
 
 #include <functional>
 #include <string>
 #include <vector>
+
+#include <unicode/utypes.h>
 
 namespace scl::regex::detail {
 
@@ -20,13 +22,14 @@ struct replacement_part {
 // character; what ICU reads of an escape that fails gives nothing), "$"
 // followed by digits is the longest group number not above `group_count`,
 // "${name}" the group that `number_of` names (a name of ASCII letters and the
-// digits 1-9; 0 when there is none). Returns false where ICU
-// reports an error: "$" followed by neither, a first digit above the count,
-// an unknown or malformed name.
-bool parse_replacement(const std::u16string& replacement, int group_count,
+// digits 1-9; 0 when there is none). Returns ICU's error where ICU reports
+// one: U_INDEX_OUTOFBOUNDS_ERROR for a first digit above the count,
+// U_REGEX_INVALID_CAPTURE_GROUP_NAME for "$" followed by neither, an unknown
+// or malformed name; U_ZERO_ERROR otherwise.
+UErrorCode parse_replacement(const std::u16string& replacement, int group_count,
                        const std::function<int(const std::string&)>& number_of,
                        std::vector<replacement_part>& parts);
 
 }  // namespace scl::regex::detail
 
-#endif  // SCL_REGEX_SRC_ONESHOT_REPLACEMENT_TEMPLATE_H
+#endif  // SCL_REGEX_SRC_ICU_REPLACEMENT_TEMPLATE_H

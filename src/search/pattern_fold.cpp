@@ -1,0 +1,370 @@
+#include "search/pattern_fold.h"
+
+#include <algorithm>
+#include <utility>
+
+#include <unicode/uchar.h>
+
+#include "search/code_points.h"
+#include "search/folded_text.h"
+#include "search/pattern_lexer.h"
+
+namespace scl::regex::detail {
+namespace {
+
+using code_point_range = std::pair<UChar32, UChar32>;
+
+bool is_ascii_digit(UChar32 c) { return c >= u'0' && c <= u'9'; }
+
+bool is_ascii_letter(UChar32 c) { return (c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z'); }
+
+// Whether `c` can stand for itself in a pattern, in or out of a set, in
+// free-spacing mode too.
+bool stands_for_itself(UChar32 c) {
+  if (is_ascii_letter(c) || is_ascii_digit(c)) return true;
+  return c > 0x7F && !U_IS_SURROGATE(c) && !u_hasBinaryProperty(c, UCHAR_PATTERN_WHITE_SPACE);
+}
+
+void append_escaped(std::u16string& out, UChar32 c) {
+  static constexpr char16_t digits[] = u"0123456789abcdef";
+  out += u"\\x{";
+  int shift = 20;
+  while (shift > 0 && ((c >> shift) & 0xF) == 0) shift -= 4;
+  for (; shift >= 0; shift -= 4) out += digits[(c >> shift) & 0xF];
+  out += u'}';
+}
+
+void append_set_member(std::u16string& out, UChar32 c) {
+  if (stands_for_itself(c)) {
+    append_code_point(out, c);
+  } else {
+    append_escaped(out, c);
+  }
+}
+
+// The code points that members of `set` fold to one of, sorted and merged.
+std::vector<code_point_range> folds_of(const fold_table& table, const icu::UnicodeSet& set) {
+  std::vector<code_point_range> folds;
+  for (int32_t i = 0; i < set.getRangeCount(); ++i) {
+    const UChar32 last = set.getRangeEnd(i);
+    for (UChar32 c = set.getRangeStart(i); c <= last;) {
+      std::uint32_t value = 0;
+      const UChar32 end = std::min(table.fold_run(c, value), last);
+      switch (fold_value::kind(value)) {
+        case fold_kind::self:
+          folds.emplace_back(c, end);
+          break;
+        case fold_kind::delta: {
+          const std::int32_t delta = fold_value::delta(value);
+          folds.emplace_back(c + delta, end + delta);
+          break;
+        }
+        case fold_kind::pool: {
+          const char16_t* units = table.pool() + fold_value::pool_offset(value);
+          const auto length = static_cast<int32_t>(fold_value::pool_length(value));
+          int32_t at = 0;
+          const UChar32 first = next_code_point(units, at, length);
+          if (at == length) folds.emplace_back(first, first);
+          break;
+        }
+        case fold_kind::nothing:
+          break;
+      }
+      c = end + 1;
+    }
+  }
+  std::sort(folds.begin(), folds.end());
+  std::vector<code_point_range> merged;
+  for (const code_point_range& range : folds) {
+    if (!merged.empty() && range.first <= merged.back().second + 1) {
+      merged.back().second = std::max(merged.back().second, range.second);
+    } else {
+      merged.push_back(range);
+    }
+  }
+  return merged;
+}
+
+std::vector<code_point_range> complement(const std::vector<code_point_range>& ranges) {
+  std::vector<code_point_range> result;
+  UChar32 next = 0;
+  for (const code_point_range& range : ranges) {
+    if (range.first > next) result.emplace_back(next, range.first - 1);
+    next = range.second + 1;
+  }
+  if (next <= 0x10FFFF) result.emplace_back(next, 0x10FFFF);
+  return result;
+}
+
+class pattern_folder {
+ public:
+  pattern_folder(const fold_table& table, std::u16string_view pattern)
+      : table_(table), pattern_(pattern), lexer_(pattern) {
+    scopes_.push_back(flags{});
+  }
+
+  folded_pattern run() {
+    for (;;) {
+      lexer_.set_free_spacing(scopes_.back().free_spacing);
+      const pattern_char c = lexer_.next();
+      if (c.c < 0) break;
+      if (c.quoted) {
+        literal(c.c, c.start);
+        continue;
+      }
+      switch (c.c) {
+        case u'\\':
+          escape(c);
+          break;
+        case u'[':
+          flush(false);
+          emit_class(read_bracket_set(lexer_, scopes_.back().case_insensitive), c.start);
+          break;
+        case u'(':
+          flush(false);
+          open_group(c);
+          break;
+        case u')':
+          flush(false);
+          if (scopes_.size() > 1) scopes_.pop_back();
+          copy(c.start);
+          break;
+        case u'*':
+        case u'+':
+        case u'?':
+        case u'{':
+          flush(true);
+          quantifier(c);
+          break;
+        case u'|':
+        case u'^':
+        case u'$':
+        case u'.':
+          flush(false);
+          copy(c.start);
+          break;
+        default:
+          literal(c.c, c.start);
+          break;
+      }
+    }
+    flush(false);
+    out_.origin.push_back(static_cast<int32_t>(pattern_.size()));
+    return std::move(out_);
+  }
+
+ private:
+  struct flags {
+    bool case_insensitive = false;
+    bool free_spacing = false;
+  };
+
+  void emit_unit(char16_t unit, int32_t origin) {
+    out_.text += unit;
+    out_.origin.push_back(origin);
+  }
+
+  void emit_text(std::u16string_view text, int32_t origin) {
+    for (const char16_t unit : text) emit_unit(unit, origin);
+    after_back_reference_ = false;
+  }
+
+  // The pattern from `from` to where the lexer is, as written.
+  void copy(int32_t from) {
+    emit_text(pattern_.substr(static_cast<std::size_t>(from),
+                              static_cast<std::size_t>(lexer_.position() - from)),
+              from);
+  }
+
+  void emit_code_point(UChar32 c, int32_t origin) {
+    std::u16string text;
+    // A digit right after a back reference would become part of its number.
+    if (stands_for_itself(c) && !(after_back_reference_ && is_ascii_digit(c))) {
+      append_code_point(text, c);
+    } else {
+      append_escaped(text, c);
+    }
+    emit_text(text, origin);
+  }
+
+  void emit_class(const class_set& set, int32_t origin) {
+    std::u16string text;
+    append_folded_class(table_, set, text);
+    emit_text(text, origin);
+  }
+
+  void literal(UChar32 c, int32_t origin) {
+    append_code_point(run_, c);
+    run_origin_.resize(run_.size(), origin);
+  }
+
+  // Emits the pending run of literal characters, folded; with `quantified`,
+  // its last piece is made one atom for the quantifier that follows.
+  void flush(bool quantified) {
+    if (run_.empty()) return;
+    folded_text folded;
+    fold_text(table_, run_.data(), static_cast<int32_t>(run_.size()), false, folded);
+    const int32_t size = folded.size;
+    int32_t last_piece = size;  // where the last piece's units start
+    if (quantified) {
+      const int32_t last_start = size > 0 ? folded.origin[size - 1] : -1;
+      const int32_t last_empty = folded.empty_pieces.empty() ? -1 : folded.empty_pieces.back();
+      if (last_empty > last_start) {
+        last_piece = size;  // the run ends in a piece that folds to nothing
+      } else {
+        last_piece = size - 1;
+        while (last_piece > 0 && folded.origin[last_piece - 1] == last_start) --last_piece;
+      }
+    }
+    emit_units(folded, 0, last_piece);
+    if (quantified) {
+      int32_t at = last_piece;
+      const bool one_code_point =
+          at < size && (next_code_point(folded.units.data(), at, size), at == size);
+      const int32_t origin = run_origin_[static_cast<std::size_t>(
+          last_piece < size ? folded.origin[last_piece]
+                            : (folded.empty_pieces.empty() ? 0 : folded.empty_pieces.back()))];
+      if (one_code_point) {
+        emit_units(folded, last_piece, size);
+      } else {
+        emit_text(u"(?:", origin);
+        emit_units(folded, last_piece, size);
+        emit_text(u")", origin);
+      }
+    }
+    run_.clear();
+    run_origin_.clear();
+  }
+
+  void emit_units(const folded_text& folded, int32_t from, int32_t to) {
+    for (int32_t at = from; at < to;) {
+      const int32_t origin = run_origin_[static_cast<std::size_t>(folded.origin[at])];
+      emit_code_point(next_code_point(folded.units.data(), at, to), origin);
+    }
+  }
+
+  void escape(const pattern_char& backslash) {
+    const pattern_char c = lexer_.next_raw();
+    const bool case_insensitive = scopes_.back().case_insensitive;
+    if (is_shorthand(c.c)) {
+      flush(false);
+      emit_class(shorthand_set(c.c), backslash.start);
+    } else if (c.c == u'p' || c.c == u'P') {
+      flush(false);
+      emit_class(read_property(lexer_, c.c == u'P', case_insensitive), backslash.start);
+    } else if (c.c == u'N') {
+      literal(read_named_char(lexer_), backslash.start);
+    } else if (c.c >= u'1' && c.c <= u'9') {
+      flush(false);
+      while (is_ascii_digit(lexer_.peek_raw())) lexer_.next_raw();
+      copy(backslash.start);
+      after_back_reference_ = true;
+    } else if (c.c == u'k') {
+      flush(false);
+      for (pattern_char name = lexer_.next_raw(); name.c >= 0 && name.c != u'>';
+           name = lexer_.next_raw()) {
+      }
+      copy(backslash.start);
+    } else if (is_ascii_letter(c.c) || c.c < 0) {
+      flush(false);  // an assertion or \X, \R: as written
+      copy(backslash.start);
+    } else {
+      literal(c.c, backslash.start);  // an escaped character stands for itself
+    }
+  }
+
+  void open_group(const pattern_char& paren) {
+    flags inner = scopes_.back();
+    if (lexer_.peek_raw() != u'?') {
+      scopes_.push_back(inner);
+      copy(paren.start);
+      return;
+    }
+    lexer_.next_raw();
+    const UChar32 kind = lexer_.peek_raw();
+    if (kind == u'#') {  // a comment: dropped
+      for (pattern_char c = lexer_.next_raw(); c.c >= 0 && c.c != u')'; c = lexer_.next_raw()) {
+      }
+      return;
+    }
+    if (kind == u'<') {
+      lexer_.next_raw();
+      const UChar32 after = lexer_.peek_raw();
+      if (after == u'=' || after == u'!') {  // look-behind
+        lexer_.next_raw();
+      } else {  // a named group: up to the '>'
+        for (pattern_char c = lexer_.next_raw(); c.c >= 0 && c.c != u'>'; c = lexer_.next_raw()) {
+        }
+      }
+    } else if (kind == u':' || kind == u'=' || kind == u'!' || kind == u'>') {
+      lexer_.next_raw();
+    } else {
+      // Flags, "(?ix-s)" for the rest of the group or "(?ix-s:...)" for a new one.
+      bool on = true;
+      pattern_char c = lexer_.next_raw();
+      for (; c.c >= 0 && c.c != u':' && c.c != u')'; c = lexer_.next_raw()) {
+        if (c.c == u'-') on = false;
+        if (c.c == u'i') inner.case_insensitive = on;
+        if (c.c == u'x') inner.free_spacing = on;
+      }
+      if (c.c == u')') {
+        scopes_.back() = inner;
+        copy(paren.start);
+        return;
+      }
+    }
+    scopes_.push_back(inner);
+    copy(paren.start);
+  }
+
+  void quantifier(const pattern_char& c) {
+    if (c.c == u'{') {
+      for (pattern_char next = lexer_.next_raw(); next.c >= 0 && next.c != u'}';
+           next = lexer_.next_raw()) {
+      }
+    }
+    copy(c.start);
+    // A lazy or possessive mark.
+    const pattern_lexer::mark saved = lexer_.save();
+    const pattern_char mark = lexer_.next();
+    if (mark.is(u'?') || mark.is(u'+')) {
+      copy(mark.start);
+    } else {
+      lexer_.restore(saved);
+    }
+  }
+
+  const fold_table& table_;
+  std::u16string_view pattern_;
+  pattern_lexer lexer_;
+  std::vector<flags> scopes_;
+  std::u16string run_;             // literal characters not folded yet
+  std::vector<int32_t> run_origin_;  // for each unit of run_, its offset in the pattern
+  bool after_back_reference_ = false;
+  folded_pattern out_;
+};
+
+}  // namespace
+
+void append_folded_class(const fold_table& table, const class_set& set, std::u16string& out) {
+  std::vector<code_point_range> ranges = folds_of(table, set.members);
+  if (set.negated) ranges = complement(ranges);
+  if (ranges.empty()) {
+    out += u"[^\\x{0}-\\x{10ffff}]";  // matches nothing
+    return;
+  }
+  out += u'[';
+  for (const code_point_range& range : ranges) {
+    append_set_member(out, range.first);
+    if (range.second == range.first) continue;
+    if (range.second > range.first + 1) out += u'-';
+    append_set_member(out, range.second);
+  }
+  out += u']';
+}
+
+folded_pattern fold_pattern(const fold_table& table, std::u16string_view pattern) {
+  return pattern_folder(table, pattern).run();
+}
+
+}  // namespace scl::regex::detail

@@ -1,0 +1,88 @@
+#include "search/regex_search.h"
+
+#include <memory>
+
+#include <unicode/utext.h>
+
+#include "icu/matcher.h"
+#include "scl/regex/exception.h"
+#include "time_limit/deadline.h"
+
+namespace scl::regex::detail {
+namespace {
+
+void throw_if_failed(UErrorCode status) {
+  if (U_FAILURE(status)) throw regex_exception(search_status(status));
+}
+
+// Closes a UText opened on the stack.
+struct utext_closer {
+  UText* text;
+  utext_closer(const utext_closer&) = delete;
+  utext_closer& operator=(const utext_closer&) = delete;
+  ~utext_closer() { utext_close(text); }
+};
+
+template <class Unit>
+void find(const fold_table& table, const icu::RegexPattern& pattern, const Unit* source,
+          const folded_text& folded, std::size_t limit, regex_matches& out) {
+  UErrorCode status = U_ZERO_ERROR;
+  const std::unique_ptr<icu::RegexMatcher> matcher = new_matcher(pattern, status);
+  throw_if_failed(status);
+  const int32_t groups = matcher->groupCount();
+  out.per_match = static_cast<std::size_t>(groups) + 1;
+
+  // The matcher reads the folded units where they are.
+  UText text = UTEXT_INITIALIZER;
+  utext_openUChars(&text, folded.units.data(), folded.size, &status);
+  const utext_closer closer{&text};
+  matcher->reset(&text);
+  throw_if_failed(status);
+
+  const match_rules<Unit> rules(table, source, folded);
+  bool resume = false;  // go on from `from` rather than after the last match
+  int64_t from = 0;
+  while (out.size() < limit) {
+    check_deadline(status);
+    const bool found = resume ? matcher->find(from, status) : matcher->find(status);
+    throw_if_failed(status);
+    if (!found) break;
+    const auto start = static_cast<int32_t>(matcher->start64(status));
+    const auto end = static_cast<int32_t>(matcher->end64(status));
+    source_span span{};
+    if (start == end ? rules.accepts_empty(start, span) : rules.accepts(start, end, span)) {
+      out.spans.push_back(span);
+      for (int32_t group = 1; group <= groups; ++group) {
+        const int64_t group_start = matcher->start64(group, status);
+        if (group_start < 0) {
+          out.spans.push_back({-1, -1});
+        } else {
+          out.spans.push_back(rules.widened(static_cast<int32_t>(group_start),
+                                            static_cast<int32_t>(matcher->end64(group, status))));
+        }
+      }
+      throw_if_failed(status);
+      resume = false;
+      continue;
+    }
+    // Rejected: on from the next piece.
+    from = start + 1;
+    while (from < folded.size && !folded.starts_piece(static_cast<int32_t>(from))) ++from;
+    if (from > folded.size) break;
+    resume = true;
+  }
+}
+
+}  // namespace
+
+void find_regex(const fold_table& table, const icu::RegexPattern& pattern, const char16_t* source,
+                const folded_text& folded, std::size_t limit, regex_matches& out) {
+  find(table, pattern, source, folded, limit, out);
+}
+
+void find_regex(const fold_table& table, const icu::RegexPattern& pattern, const char* source,
+                const folded_text& folded, std::size_t limit, regex_matches& out) {
+  find(table, pattern, source, folded, limit, out);
+}
+
+}  // namespace scl::regex::detail

@@ -1,0 +1,40 @@
+// Regex search on folded text: the matches of a folded pattern that ICU
+// finds, kept where the match rules allow, with their groups mapped back to
+// the source.
+#ifndef SCL_REGEX_SRC_SEARCH_REGEX_SEARCH_H
+#define SCL_REGEX_SRC_SEARCH_REGEX_SEARCH_H
+
+#include <cstddef>
+#include <vector>
+
+#include <unicode/regex.h>
+
+#include "search/fold_table.h"
+#include "search/folded_text.h"
+#include "search/match_rules.h"
+
+namespace scl::regex::detail {
+
+// Matches, each as `per_match` spans: the match, then each capturing group
+// ({-1, -1} for a group that took no part).
+struct regex_matches {
+  std::size_t per_match = 1;
+  std::vector<source_span> spans;
+
+  std::size_t size() const { return spans.size() / per_match; }
+  const source_span* match(std::size_t i) const { return spans.data() + i * per_match; }
+};
+
+// Appends to `out` the matches of `pattern` in `source`, folded (whole) as
+// `folded`, in order and without overlap, until `out` holds `limit` of them.
+// ICU's matches that break the rules are skipped, and the search goes on
+// from the next piece. Throws regex_exception: U_REGEX_TIME_OUT when the
+// calling thread's match_time_limit stops the search, or ICU's code.
+void find_regex(const fold_table& table, const icu::RegexPattern& pattern, const char16_t* source,
+                const folded_text& folded, std::size_t limit, regex_matches& out);
+void find_regex(const fold_table& table, const icu::RegexPattern& pattern, const char* source,
+                const folded_text& folded, std::size_t limit, regex_matches& out);
+
+}  // namespace scl::regex::detail
+
+#endif  // SCL_REGEX_SRC_SEARCH_REGEX_SEARCH_H
