@@ -214,23 +214,6 @@ TEST(Utf8, FindFirstAndFoundInAgreeWithFindAll) {
   EXPECT_EQ(pattern.find_first(std::string_view(text))->start, 2U);
 }
 
-TEST(RegexQuery, IsNotSupportedYet) {
-  try {
-    const re::search_pattern pattern(u"a+", re::query_syntax::regex);
-    FAIL() << "a regex query was accepted";
-  } catch (const re::regex_exception& e) {
-    EXPECT_EQ(e.getErrorCodeMnemonic(), "U_UNSUPPORTED_ERROR");
-  }
-  EXPECT_THROW(re::search_pattern("a+", re::query_syntax::regex), re::regex_exception);
-  const std::optional<re::pattern_error> error =
-      re::search_pattern::check(u"a+", re::query_syntax::regex);
-  ASSERT_TRUE(error.has_value());
-  EXPECT_EQ(error->error.getErrorCodeMnemonic(), "U_UNSUPPORTED_ERROR");
-  EXPECT_EQ(error->offset, re::npos);
-  EXPECT_NE(error->description.find("not supported"), std::string::npos) << error->description;
-  EXPECT_TRUE(re::search_pattern::check(std::string_view("a+"), re::query_syntax::regex));
-}
-
 TEST(Check, ALiteralQueryNeverFails) {
   EXPECT_FALSE(re::search_pattern::check(u"(unbalanced[", re::query_syntax::literal));
   EXPECT_FALSE(re::search_pattern::check(std::string_view("\xFF("), re::query_syntax::literal));

@@ -232,6 +232,18 @@ class set_reader {
     return false;
   }
 
+  // At a "]" that is the current character: ends the current set, and reads
+  // on unless it was the whole set. Returns whether it was.
+  bool close() {
+    if (returns_.empty()) {
+      end();
+      return true;
+    }
+    advance();
+    end();
+    return false;
+  }
+
   void negate() {
     if (depth_ == 0) {
       negated_ = true;  // taken after folding
@@ -315,8 +327,7 @@ class set_reader {
             advance();
             state_ = state::open2;
           } else if (c.is(u':') && posix_property()) {
-            advance();  // the ']'
-            if (end()) return;
+            if (close()) return;
           } else {
             state_ = state::open2;
           }
@@ -336,8 +347,7 @@ class set_reader {
         case state::after_range:
         case state::after_op:
           if (c.is(u']') && state_ != state::after_op) {
-            advance();
-            if (end()) return;
+            if (close()) return;
           } else if (c.is(u'[')) {
             advance();
             nested(op_union);

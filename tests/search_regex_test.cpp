@@ -1,0 +1,372 @@
+// search_pattern with regex queries: how the pattern is folded, which matches
+// are kept, groups, replacement, errors and limits.
+#include <chrono>
+#include <cstring>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include <scl/regex.h>
+
+namespace {
+
+namespace re = scl::regex;
+using re::npos;
+using ranges = std::vector<std::pair<std::size_t, std::size_t>>;
+
+constexpr re::query_syntax kRegex = re::query_syntax::regex;
+
+re::search_pattern regex(std::u16string_view query) { return re::search_pattern(query, kRegex); }
+
+template <class Text>
+ranges find(const re::search_pattern& pattern, const Text& text) {
+  ranges found;
+  for (const re::source_match& m : pattern.find_all(text)) found.emplace_back(m.start, m.end);
+  return found;
+}
+
+ranges find(std::u16string_view query, std::u16string_view text) {
+  return find(regex(query), text);
+}
+
+struct example {
+  std::u16string query;
+  std::u16string text;
+  ranges expected;
+};
+
+void PrintTo(const example& e, std::ostream* os) {
+  *os << "query of " << e.query.size() << " units on a text of " << e.text.size();
+}
+
+class RegexExamples : public ::testing::TestWithParam<example> {};
+
+TEST_P(RegexExamples, FindExactlyTheseSourceRanges) {
+  const example& e = GetParam();
+  EXPECT_EQ(find(e.query, e.text), e.expected);
+  // The UTF-8 forms agree where the text is ASCII.
+}
+
+// Literal characters fold as text does, whichever way they are written.
+INSTANTIATE_TEST_SUITE_P(
+    Literals, RegexExamples,
+    ::testing::Values(
+        example{u"stra\u00dfe", u"STRASSE Strasse", {{0, 7}, {8, 15}}},
+        example{u"caf\\u00e9", u"CAFE caf\u00e9", {{0, 4}, {5, 9}}},
+        example{u"caf\\x{e9}", u"Caf\u00e9", {{0, 4}}},
+        example{u"caf\\xe9", u"Caf\u00e9", {{0, 4}}},
+        example{u"caf\\N{LATIN SMALL LETTER E WITH ACUTE}", u"cafe", {{0, 4}}},
+        example{u"caf\\0351", u"CAF\u00c9", {{0, 4}}},
+        example{u"a\\cIb", u"a\tb", {{0, 3}}},
+        example{u"\\Qa.b\\E", u"axb A.B", {{4, 7}}},
+        example{u"\\Q\u00df\\E", u"SS", {{0, 2}}},
+        example{u"\\.", u"a.b", {{1, 2}}},
+        example{u"\\\uff04", u"$", {{0, 1}}},
+        // NFC first: "cafe" + U+0301 is "café".
+        example{u"cafe\u0301", u"caf\u00e9 CAFE", {{0, 4}, {5, 9}}},
+        // In free-spacing mode, white space is not a literal.
+        example{u"(?x) s t r a \u00df e  # a comment", u"strasse", {{0, 7}}}));
+
+// A quantifier takes its literal's whole fold.
+INSTANTIATE_TEST_SUITE_P(
+    Quantifiers, RegexExamples,
+    ::testing::Values(example{u"\u00df+", u"ssss", {{0, 4}}},
+                      example{u"\u00df+", u"\u00df\u00dfs", {{0, 2}}},
+                      example{u"\u00df{2}", u"\u00dfss", {{0, 3}}},
+                      example{u"x\u00df?y", u"xy xssy xsy", {{0, 2}, {3, 7}}},
+                      example{u"\uFB01+", u"fifi", {{0, 4}}},
+                      // NFC makes "e" + U+0301 one character, which "+" repeats.
+                      example{u"e\u0301+", u"\u00e9\u00e9e", {{0, 3}}},
+                      // A quantifier after a run applies to its last character only.
+                      example{u"ab+", u"abbb aab", {{0, 4}, {6, 8}}}));
+
+// A literal that folds to nothing matches the empty string.
+INSTANTIATE_TEST_SUITE_P(
+    NothingFolds, RegexExamples,
+    ::testing::Values(example{u"a\u00adb", u"ab a\u00adb", {{0, 2}, {3, 6}}},
+                      example{u"a\u00ad+b", u"ab", {{0, 2}}},
+                      example{u"\u0301", u"ab", {{0, 0}, {1, 1}, {2, 2}}}));
+
+// Classes match a folded character that is the fold of a member.
+INSTANTIATE_TEST_SUITE_P(
+    Classes, RegexExamples,
+    ::testing::Values(
+        example{u"[\u00e9]", u"\u00c9 e E \u00e8", {{0, 1}, {2, 3}, {4, 5}, {6, 7}}},
+        example{u"[\u00e0-\u00ff]", u"\u00c9", {{0, 1}}},
+        example{u"\\p{Lu}", u"\u00c9", {{0, 1}}},
+        example{u"\\p{Lu}", u"e", {{0, 1}}},
+        example{u"[A-Z]", u"\u0142", {{0, 1}}},
+        example{u"[[:upper:]]", u"\u00e9", {{0, 1}}},
+        example{u"[:alpha:]+", u"\u00c9t\u00e9 !", {{0, 3}}},
+        example{u"[^a-z]", u"\u00e9", {}},
+        example{u"[^a-z]", u"\u00e9!", {{1, 2}}},
+        example{u"\\P{L}", u"\u00e9!", {{1, 2}}},
+        example{u"\\d+", u"\u0661\u0662 and \uff13", {{0, 2}, {7, 8}}},
+        example{u"\\D", u"\u0661a", {{1, 2}}},
+        example{u"\\w+", u"Stra\u00dfe!", {{0, 6}}},
+        example{u"\\W", u"\u00e9!", {{1, 2}}},
+        example{u"\\s", u"a\u00a0b", {{1, 2}}},
+        example{u"\\h", u"a\u3000b", {{1, 2}}},
+        example{u"\\v", u"a\u2028b", {{1, 2}}},
+        example{u"\\S+", u"\u00e9t\u00e9 x", {{0, 3}, {4, 5}}},
+        // A member that folds to several characters, or to none, is left out.
+        example{u"[\u00df]", u"\u00df ss", {}},
+        example{u"[\u00ad]", u"a\u00adb", {}},
+        example{u"[\u00dfx]", u"\u00dfx", {{1, 2}}},
+        // Set operations work as in ICU, then fold.
+        example{u"[a-z--[e]]", u"\u00e9e", {}},
+        example{u"[a-z&&[aeiou]]+", u"\u00c1b\u00c9", {{0, 1}, {2, 3}}},
+        example{u"[[a-c][x-z]]", u"\u00c7y\u00f1", {{0, 1}, {1, 2}}},
+        example{u"[\\p{L}&&\\p{Lu}]", u"e", {{0, 1}}}));
+
+// Everything else stands as written and applies to the folded text.
+INSTANTIATE_TEST_SUITE_P(
+    Syntax, RegexExamples,
+    ::testing::Values(example{u"(\\w)\\1", u"A\u00e1", {{0, 2}}},
+                      example{u"(?<c>\\w)\\k<c>", u"\u00c9e", {{0, 2}}},
+                      example{u"caf\u00e9|th\u00e9", u"The Cafe", {{0, 3}, {4, 8}}},
+                      example{u"^\u00e9", u"Ee", {{0, 1}}},
+                      example{u"e$", u"e\u00e9", {{1, 2}}},
+                      example{u"\\be\\b", u"\u00e9 de", {{0, 1}}},
+                      example{u"e(?=\u00df)", u"ess ex", {{0, 1}}},
+                      example{u"(?<=\u00df)e", u"sse xe", {{2, 3}}},
+                      example{u"(?i)\u00c9", u"e", {{0, 1}}},
+                      example{u"(?:ab)+", u"ABab", {{0, 4}}},
+                      example{u"\\X", u"e\u0301", {{0, 2}}},
+                      example{u"a.b", u"a\nb", {{0, 3}}}));
+
+// Matches cover whole pieces, start on grapheme boundaries, and empty
+// matches sit between pieces; ICU's matches that break the rules are skipped.
+INSTANTIATE_TEST_SUITE_P(
+    MatchRules, RegexExamples,
+    ::testing::Values(example{u"s", u"\u00df", {}},
+                      example{u"s+", u"\u00df", {{0, 1}}},
+                      example{u"..", u"\u00df", {{0, 1}}},
+                      example{u".", u"\u00df", {}},
+                      example{u".", u"\u00dfa", {{1, 2}}},
+                      example{u"s", u"\u00dfs", {{1, 2}}},
+                      example{u"e", u"e\u0301", {{0, 2}}},
+                      example{u"\\x{1F4BB}", u"\U0001F469\u200D\U0001F4BB", {}},
+                      example{u"x*", u"\u00df", {{0, 0}, {1, 1}}},
+                      example{u"x*", u"", {{0, 0}}},
+                      example{u"a", u"\u00ada\u00ad", {{1, 2}}}));
+
+TEST(RegexQuery, QuotedLiteralGivesWhatTheLiteralQueryGives) {
+  const std::u16string text =
+      u"Stra\u00dfe STRASSE stra\u00dfe \u00df e\u0301 \uFB01 \U0001F469\u200D\U0001F4BB "
+      u"\u0e40\u0e01 l\u00b7l";
+  for (const std::u16string query :
+       {u"strasse", u"s", u"ss", u"e", u"fi", u"\U0001F4BB", u"\u0e40", u"\u0e01", u"ll",
+        u"l\u00b7l", u"a.b(c)*", u" "}) {
+    const re::search_pattern literal(query);
+    const re::search_pattern quoted(u"\\Q" + query + u"\\E", kRegex);
+    EXPECT_EQ(find(quoted, text), find(literal, text));
+  }
+}
+
+TEST(Groups, AreSourceRangesInTheCallersText) {
+  const re::search_pattern pattern = regex(u"(caf)(e)");
+  const std::vector<re::source_match> utf16 = pattern.find_all(u"Caf\u00e9");
+  ASSERT_EQ(utf16.size(), 1U);
+  EXPECT_EQ(utf16[0].groups, ranges({{0, 4}, {0, 3}, {3, 4}}));
+  const std::vector<re::source_match> utf8 = pattern.find_all(std::string_view("Caf\xc3\xa9"));
+  ASSERT_EQ(utf8.size(), 1U);
+  EXPECT_EQ(utf8[0].groups, ranges({{0, 5}, {0, 3}, {3, 5}}));
+}
+
+TEST(Groups, ThatTakeNoPartAreNpos) {
+  const std::vector<re::source_match> found = regex(u"(a)|(b)").find_all(u"B");
+  ASSERT_EQ(found.size(), 1U);
+  EXPECT_EQ(found[0].groups, ranges({{0, 1}, {npos, npos}, {0, 1}}));
+}
+
+TEST(Groups, InsideAPieceCoverTheWholePiece) {
+  const std::vector<re::source_match> found = regex(u"(s)(s)").find_all(u"\u00df");
+  ASSERT_EQ(found.size(), 1U);
+  EXPECT_EQ(found[0].groups, ranges({{0, 1}, {0, 1}, {0, 1}}));
+}
+
+TEST(Groups, CountAndNamesAreTheCallers) {
+  const re::search_pattern pattern = regex(u"(?<street>\\w+)stra\u00dfe+ (\\d+)(?:x)?");
+  EXPECT_EQ(pattern.group_count(), 2);
+  EXPECT_EQ(pattern.group_number("street"), 1);
+  EXPECT_EQ(pattern.group_number("nope"), -1);
+  EXPECT_EQ(regex(u"\u00df+(\u00df)").group_count(), 1);
+  EXPECT_EQ(regex(u"[\u00df]\\p{L}").group_count(), 0);
+  const std::vector<re::source_match> found = pattern.find_all(u"Hauptstrasse 5");
+  ASSERT_EQ(found.size(), 1U);
+  EXPECT_EQ(found[0].groups, ranges({{0, 14}, {0, 5}, {13, 14}}));
+}
+
+TEST(RegexReplace, UsesIcuSyntaxWithGroupsFromTheCallersText) {
+  const re::search_pattern pattern = regex(u"(?<word>cr[e\u00e8]me) (\\w+)");
+  EXPECT_EQ(pattern.replace_all(u"Une Cr\u00e8me Br\u00fbl\u00e9e!", u"[$2 ${word}] \\$1"),
+            u"Une [Br\u00fbl\u00e9e Cr\u00e8me] $1!");
+  EXPECT_EQ(pattern.replace_all(std::string_view("Cr\xc3\xa8me br\xc3\xbbl\xc3\xa9\x65"),
+                                std::string_view("$2-$1")),
+            "br\xc3\xbbl\xc3\xa9\x65-Cr\xc3\xa8me");
+}
+
+TEST(RegexReplace, KeepsEveryUnitOutsideTheMatches) {
+  const std::u16string text(u"\u00df\0x\xD800\u00e9", 5);
+  EXPECT_EQ(regex(u"e").replace_all(text, u"[$0]"), std::u16string(u"\u00df\0x\xD800[\u00e9]", 7));
+  EXPECT_EQ(regex(u"q").replace_all(std::string_view("a\xff\xc3"), std::string_view("x")),
+            "a\xff\xc3");
+}
+
+TEST(RegexReplace, AGroupThatTookNoPartGivesNothing) {
+  EXPECT_EQ(regex(u"(a)|(b)").replace_all(u"ab", u"<$1$2>"), u"<a><b>");
+}
+
+// The codes ICU's appendReplacement gives.
+TEST(RegexReplace, AReferenceToAMissingGroupThrowsIcusCode) {
+  const re::search_pattern pattern = regex(u"(a)");
+  const std::vector<std::pair<std::u16string, std::string>> bad = {
+      {u"$2", "U_INDEX_OUTOFBOUNDS_ERROR"},
+      {u"${nope}", "U_REGEX_INVALID_CAPTURE_GROUP_NAME"},
+      {u"$", "U_REGEX_INVALID_CAPTURE_GROUP_NAME"},
+      {u"$x", "U_REGEX_INVALID_CAPTURE_GROUP_NAME"}};
+  for (const auto& [replacement, code] : bad) {
+    try {
+      (void)pattern.replace_all(u"a", replacement);
+      ADD_FAILURE() << "accepted a bad replacement";
+    } catch (const re::regex_exception& e) {
+      EXPECT_EQ(e.getErrorCodeMnemonic(), code);
+    }
+  }
+  EXPECT_THROW((void)pattern.replace_all(std::string_view("a"), std::string_view("$9")),
+               re::regex_exception);
+}
+
+TEST(RegexReplace, ALiteralQueryStillTakesItsReplacementLiterally) {
+  EXPECT_EQ(re::search_pattern(u"a").replace_all(u"a", u"$1\\"), u"$1\\");
+}
+
+TEST(RegexErrors, TheConstructorThrowsWhatCreateMatcherThrows) {
+  for (const std::u16string bad : {u"stra\u00dfe(", u"[z-a]", u"a{", u"\\", u"(?<=a+)b",
+                                   u"\\p{Nope}", u"*", u"\\k<none>"}) {
+    std::string expected_code;
+    std::string expected_message;
+    try {
+      (void)re::createMatcher(bad, 0);
+      ADD_FAILURE() << "createMatcher accepted a bad pattern";
+    } catch (const re::regex_exception& e) {
+      expected_code = e.getErrorCodeMnemonic();
+      expected_message = e.what();
+    }
+    try {
+      (void)regex(bad);
+      ADD_FAILURE() << "search_pattern accepted a bad pattern";
+    } catch (const re::regex_exception& e) {
+      EXPECT_EQ(e.getErrorCodeMnemonic(), expected_code);
+      EXPECT_STREQ(e.what(), expected_message.c_str());
+    }
+    const std::optional<re::pattern_error> error = re::search_pattern::check(bad, kRegex);
+    ASSERT_TRUE(error.has_value());
+    EXPECT_EQ(error->error.getErrorCodeMnemonic(), expected_code);
+  }
+}
+
+TEST(RegexErrors, CheckGivesTheOffsetInTheCallersQuery) {
+  const std::optional<re::pattern_error> error =
+      re::search_pattern::check(u"stra\u00dfe(", kRegex);
+  ASSERT_TRUE(error.has_value());
+  EXPECT_EQ(error->error.getErrorCodeMnemonic(), "U_REGEX_MISMATCHED_PAREN");
+  EXPECT_EQ(error->offset, 7U);
+  // As check_pattern describes it.
+  const std::optional<re::pattern_error> described = re::check_pattern(u"stra\u00dfe(", 0);
+  ASSERT_TRUE(described.has_value());
+  EXPECT_EQ(error->description, described->description);
+  EXPECT_NE(error->description.find("(at offset 7)"), std::string::npos) << error->description;
+
+  // Bytes for the UTF-8 form: "ß" is two.
+  const std::optional<re::pattern_error> utf8 =
+      re::search_pattern::check(std::string_view("stra\xc3\x9f\x65("), kRegex);
+  ASSERT_TRUE(utf8.has_value());
+  EXPECT_EQ(utf8->offset, 8U);
+  EXPECT_NE(utf8->description.find("(at offset 8)"), std::string::npos) << utf8->description;
+}
+
+TEST(RegexErrors, CheckAcceptsWhatTheConstructorAccepts) {
+  for (const std::u16string good : {u"\u00df+", u"[^\\s]", u"\\p{L}+", u"(?<n>x)\\k<n>",
+                                    u"\\Q(\\E", u"(?x) a # b"}) {
+    EXPECT_FALSE(re::search_pattern::check(good, kRegex).has_value());
+    EXPECT_NO_THROW((void)regex(good));
+  }
+}
+
+TEST(RegexUtf8, QueryAndTextInUtf8AgreeWithUtf16) {
+  const re::search_pattern utf16 = regex(u"(\\w+)stra\u00dfe");
+  const re::search_pattern utf8(std::string_view("(\\w+)stra\xc3\x9f\x65"), kRegex);
+  EXPECT_EQ(find(utf16, u"Hauptstrasse"), ranges({{0, 12}}));
+  EXPECT_EQ(find(utf8, u"Hauptstrasse"), ranges({{0, 12}}));
+  EXPECT_EQ(find(utf16, std::string_view("H\xc3\xa4uptstrasse")), ranges({{0, 13}}));
+  ASSERT_TRUE(utf16.find_first(std::string_view("H\xc3\xa4uptstrasse")).has_value());
+  EXPECT_TRUE(utf16.found_in(std::string_view("x H\xc3\xa4uptstra\xc3\x9f\x65")));
+  EXPECT_FALSE(utf16.found_in(std::string_view("strasse")));
+}
+
+TEST(RegexQuery, FoundInAndFindFirstAgreeWithFindAll) {
+  const re::search_pattern pattern = regex(u"\\p{Lu}\\w*");
+  for (const std::u16string text : {u"", u"123", u"\u00e9t\u00e9 Caf\u00e9", u"\u00df"}) {
+    const std::vector<re::source_match> all = pattern.find_all(text);
+    EXPECT_EQ(pattern.found_in(text), !all.empty());
+    const std::optional<re::source_match> first = pattern.find_first(text);
+    ASSERT_EQ(first.has_value(), !all.empty());
+    if (first) {
+      EXPECT_EQ(first->groups, all.front().groups);
+    }
+  }
+}
+
+TEST(RegexQuery, SyntaxIsReported) {
+  EXPECT_EQ(regex(u"a").syntax(), kRegex);
+  EXPECT_EQ(re::search_pattern(u"a").syntax(), re::query_syntax::literal);
+}
+
+// Patterns on which ICU 72 never returns for "aac".
+class HangingRegexQuery : public ::testing::TestWithParam<std::u16string> {};
+
+INSTANTIATE_TEST_SUITE_P(TimeLimit, HangingRegexQuery,
+                         ::testing::Values(u"(a?)+?b", u"(?:a?)+?b", u"(a?)*?b", u"(a|)+?b",
+                                           u"(a*)+?b", u"(a{0,2})*?b"));
+
+TEST_P(HangingRegexQuery, IsStoppedByTheTimeLimit) {
+  const re::search_pattern pattern(GetParam(), kRegex);
+  for (int form = 0; form < 4; ++form) {
+    re::match_time_limit limit(std::chrono::milliseconds(50));
+    try {
+      switch (form) {
+        case 0:
+          (void)pattern.find_all(u"aac");
+          break;
+        case 1:
+          (void)pattern.found_in(std::string_view("aac"));
+          break;
+        case 2:
+          (void)pattern.find_first(u"AAC");
+          break;
+        default:
+          (void)pattern.replace_all(u"aac", u"x");
+          break;
+      }
+      ADD_FAILURE() << "the search finished";
+    } catch (const re::regex_exception& e) {
+      EXPECT_EQ(e.getErrorCodeMnemonic(), "U_REGEX_TIME_OUT");
+    }
+    EXPECT_TRUE(limit.exceeded());
+  }
+}
+
+TEST(RegexQuery, CopiesShareTheCompiledQuery) {
+  const re::search_pattern pattern = regex(u"(\\w)\\1");
+  const re::search_pattern copy = pattern;  // NOLINT(performance-unnecessary-copy-initialization)
+  EXPECT_EQ(find(copy, u"Aa b"), ranges({{0, 2}}));
+  EXPECT_EQ(copy.group_count(), 1);
+}
+
+}  // namespace
