@@ -505,6 +505,36 @@ ranges check_forms(const re::search_pattern& pattern, const re::search_pattern& 
   return expected;
 }
 
+// Every literal query also as a regex query quoted with \Q...\E, which must
+// find exactly what the literal query finds, in UTF-16 and UTF-8 text. A
+// query that folds to nothing is the one exception: as a literal it finds
+// nothing, quoted it is a regex that matches the empty string.
+struct quoted_literal {
+  long compared = 0;
+  long folds_to_nothing = 0;
+
+  void compare(const std::u16string& query, const std::u16string& text, const ranges& literal,
+               failure_log& log) {
+    if (query.find(u"\\E") != std::u16string::npos) return;
+    if (re::search_fold(query).text().empty()) {
+      ++folds_to_nothing;
+      return;
+    }
+    ++compared;
+    const re::search_pattern pattern(u"\\Q" + query + u"\\E", re::query_syntax::regex);
+    const std::string where = "query " + hex(query) + " text " + hex(text);
+    if (ranges_of(pattern.find_all(text)) != literal) {
+      log.add("\\Q...\\E finds other matches than the literal query (UTF-16)",
+              where + " literal " + show(literal) + " regex " +
+                  show(ranges_of(pattern.find_all(text))));
+    }
+    const utf8_text text8 = to_utf8(text);
+    if (to_utf16(ranges_of(pattern.find_all(text8.bytes)), text8) != literal) {
+      log.add("\\Q...\\E finds other matches than the literal query (UTF-8)", where);
+    }
+  }
+};
+
 // A query and text on which the library and usearch disagree.
 struct counterexample {
   std::u16string query;
@@ -568,6 +598,7 @@ TEST(SearchPatternUsearch, FindsWhatUsearchFindsOnRandomTextInManyScripts) {
   differential compare(oracle);
   generator make(20240611);
   failure_log log;
+  quoted_literal quoted;
 
   long pairs = 0;
   long folds_to_nothing = 0;
@@ -589,6 +620,9 @@ TEST(SearchPatternUsearch, FindsWhatUsearchFindsOnRandomTextInManyScripts) {
       const re::search_pattern pattern8(to_utf8(query).bytes);
       const ranges library = check_forms(pattern, pattern8, query, text, log);
       if (decomposed != text) check_forms(pattern, pattern8, query, decomposed, log);
+      quoted.compare(query, text, library, log);
+      if (decomposed != text)
+        quoted.compare(query, decomposed, ranges_of(pattern.find_all(decomposed)), log);
 
       if (re::search_fold(query).text().empty()) {
         // usearch reports empty matches here; the library reports none.
@@ -645,6 +679,9 @@ TEST(SearchPatternUsearch, FindsWhatUsearchFindsOnRandomTextInManyScripts) {
   EXPECT_GT(compared, pairs * 8 / 10);
   EXPECT_GT(usearch_found * 2, compared);
   EXPECT_GT(folds_to_nothing, 0);
+  std::printf("the same queries as \\Q...\\E regex queries: %ld compared, %ld fold to nothing\n",
+              quoted.compared, quoted.folds_to_nothing);
+  EXPECT_GT(quoted.compared, pairs * 9 / 10);
 }
 
 // Compares search_pattern with usearch on pairs, leaving out what the

@@ -54,22 +54,20 @@ TEST_P(RegexExamples, FindExactlyTheseSourceRanges) {
 // Literal characters fold as text does, whichever way they are written.
 INSTANTIATE_TEST_SUITE_P(
     Literals, RegexExamples,
-    ::testing::Values(
-        example{u"stra\u00dfe", u"STRASSE Strasse", {{0, 7}, {8, 15}}},
-        example{u"caf\\u00e9", u"CAFE caf\u00e9", {{0, 4}, {5, 9}}},
-        example{u"caf\\x{e9}", u"Caf\u00e9", {{0, 4}}},
-        example{u"caf\\xe9", u"Caf\u00e9", {{0, 4}}},
-        example{u"caf\\N{LATIN SMALL LETTER E WITH ACUTE}", u"cafe", {{0, 4}}},
-        example{u"caf\\0351", u"CAF\u00c9", {{0, 4}}},
-        example{u"a\\cIb", u"a\tb", {{0, 3}}},
-        example{u"\\Qa.b\\E", u"axb A.B", {{4, 7}}},
-        example{u"\\Q\u00df\\E", u"SS", {{0, 2}}},
-        example{u"\\.", u"a.b", {{1, 2}}},
-        example{u"\\\uff04", u"$", {{0, 1}}},
-        // NFC first: "cafe" + U+0301 is "café".
-        example{u"cafe\u0301", u"caf\u00e9 CAFE", {{0, 4}, {5, 9}}},
-        // In free-spacing mode, white space is not a literal.
-        example{u"(?x) s t r a \u00df e  # a comment", u"strasse", {{0, 7}}}));
+    ::testing::Values(example{u"stra\u00dfe", u"STRASSE Strasse", {{0, 7}, {8, 15}}},
+                      example{u"caf\\u00e9", u"CAFE caf\u00e9", {{0, 4}, {5, 9}}},
+                      example{u"caf\\x{e9}", u"Caf\u00e9", {{0, 4}}},
+                      example{u"caf\\xe9", u"Caf\u00e9", {{0, 4}}},
+                      example{u"caf\\N{LATIN SMALL LETTER E WITH ACUTE}", u"cafe", {{0, 4}}},
+                      example{u"caf\\0351", u"CAF\u00c9", {{0, 4}}},
+                      example{u"a\\cIb", u"a\tb", {{0, 3}}},
+                      example{u"\\Qa.b\\E", u"axb A.B", {{4, 7}}},
+                      example{u"\\Q\u00df\\E", u"SS", {{0, 2}}}, example{u"\\.", u"a.b", {{1, 2}}},
+                      example{u"\\\uff04", u"$", {{0, 1}}},
+                      // NFC first: "cafe" + U+0301 is "café".
+                      example{u"cafe\u0301", u"caf\u00e9 CAFE", {{0, 4}, {5, 9}}},
+                      // In free-spacing mode, white space is not a literal.
+                      example{u"(?x) s t r a \u00df e  # a comment", u"strasse", {{0, 7}}}));
 
 // A quantifier takes its literal's whole fold.
 INSTANTIATE_TEST_SUITE_P(
@@ -85,37 +83,28 @@ INSTANTIATE_TEST_SUITE_P(
                       example{u"ab+", u"abbb aab", {{0, 4}, {6, 8}}}));
 
 // A literal that folds to nothing matches the empty string.
-INSTANTIATE_TEST_SUITE_P(
-    NothingFolds, RegexExamples,
-    ::testing::Values(example{u"a\u00adb", u"ab a\u00adb", {{0, 2}, {3, 6}}},
-                      example{u"a\u00ad+b", u"ab", {{0, 2}}},
-                      example{u"\u0301", u"ab", {{0, 0}, {1, 1}, {2, 2}}}));
+INSTANTIATE_TEST_SUITE_P(NothingFolds, RegexExamples,
+                         ::testing::Values(example{u"a\u00adb", u"ab a\u00adb", {{0, 2}, {3, 6}}},
+                                           example{u"a\u00ad+b", u"ab", {{0, 2}}},
+                                           example{u"\u0301", u"ab", {{0, 0}, {1, 1}, {2, 2}}}));
 
 // Classes match a folded character that is the fold of a member.
 INSTANTIATE_TEST_SUITE_P(
     Classes, RegexExamples,
     ::testing::Values(
         example{u"[\u00e9]", u"\u00c9 e E \u00e8", {{0, 1}, {2, 3}, {4, 5}, {6, 7}}},
-        example{u"[\u00e0-\u00ff]", u"\u00c9", {{0, 1}}},
-        example{u"\\p{Lu}", u"\u00c9", {{0, 1}}},
-        example{u"\\p{Lu}", u"e", {{0, 1}}},
-        example{u"[A-Z]", u"\u0142", {{0, 1}}},
+        example{u"[\u00e0-\u00ff]", u"\u00c9", {{0, 1}}}, example{u"\\p{Lu}", u"\u00c9", {{0, 1}}},
+        example{u"\\p{Lu}", u"e", {{0, 1}}}, example{u"[A-Z]", u"\u0142", {{0, 1}}},
         example{u"[[:upper:]]", u"\u00e9", {{0, 1}}},
-        example{u"[:alpha:]+", u"\u00c9t\u00e9 !", {{0, 3}}},
-        example{u"[^a-z]", u"\u00e9", {}},
-        example{u"[^a-z]", u"\u00e9!", {{1, 2}}},
-        example{u"\\P{L}", u"\u00e9!", {{1, 2}}},
+        example{u"[:alpha:]+", u"\u00c9t\u00e9 !", {{0, 3}}}, example{u"[^a-z]", u"\u00e9", {}},
+        example{u"[^a-z]", u"\u00e9!", {{1, 2}}}, example{u"\\P{L}", u"\u00e9!", {{1, 2}}},
         example{u"\\d+", u"\u0661\u0662 and \uff13", {{0, 2}, {7, 8}}},
-        example{u"\\D", u"\u0661a", {{1, 2}}},
-        example{u"\\w+", u"Stra\u00dfe!", {{0, 6}}},
-        example{u"\\W", u"\u00e9!", {{1, 2}}},
-        example{u"\\s", u"a\u00a0b", {{1, 2}}},
-        example{u"\\h", u"a\u3000b", {{1, 2}}},
-        example{u"\\v", u"a\u2028b", {{1, 2}}},
+        example{u"\\D", u"\u0661a", {{1, 2}}}, example{u"\\w+", u"Stra\u00dfe!", {{0, 6}}},
+        example{u"\\W", u"\u00e9!", {{1, 2}}}, example{u"\\s", u"a\u00a0b", {{1, 2}}},
+        example{u"\\h", u"a\u3000b", {{1, 2}}}, example{u"\\v", u"a\u2028b", {{1, 2}}},
         example{u"\\S+", u"\u00e9t\u00e9 x", {{0, 3}, {4, 5}}},
         // A member that folds to several characters, or to none, is left out.
-        example{u"[\u00df]", u"\u00df ss", {}},
-        example{u"[\u00ad]", u"a\u00adb", {}},
+        example{u"[\u00df]", u"\u00df ss", {}}, example{u"[\u00ad]", u"a\u00adb", {}},
         example{u"[\u00dfx]", u"\u00dfx", {{1, 2}}},
         // Set operations work as in ICU, then fold.
         example{u"[a-z--[e]]", u"\u00e9e", {}},
@@ -129,39 +118,32 @@ INSTANTIATE_TEST_SUITE_P(
     ::testing::Values(example{u"(\\w)\\1", u"A\u00e1", {{0, 2}}},
                       example{u"(?<c>\\w)\\k<c>", u"\u00c9e", {{0, 2}}},
                       example{u"caf\u00e9|th\u00e9", u"The Cafe", {{0, 3}, {4, 8}}},
-                      example{u"^\u00e9", u"Ee", {{0, 1}}},
-                      example{u"e$", u"e\u00e9", {{1, 2}}},
+                      example{u"^\u00e9", u"Ee", {{0, 1}}}, example{u"e$", u"e\u00e9", {{1, 2}}},
                       example{u"\\be\\b", u"\u00e9 de", {{0, 1}}},
                       example{u"e(?=\u00df)", u"ess ex", {{0, 1}}},
                       example{u"(?<=\u00df)e", u"sse xe", {{2, 3}}},
                       example{u"(?i)\u00c9", u"e", {{0, 1}}},
-                      example{u"(?:ab)+", u"ABab", {{0, 4}}},
-                      example{u"\\X", u"e\u0301", {{0, 2}}},
+                      example{u"(?:ab)+", u"ABab", {{0, 4}}}, example{u"\\X", u"e\u0301", {{0, 2}}},
                       example{u"a.b", u"a\nb", {{0, 3}}}));
 
 // Matches cover whole pieces, start on grapheme boundaries, and empty
 // matches sit between pieces; ICU's matches that break the rules are skipped.
 INSTANTIATE_TEST_SUITE_P(
     MatchRules, RegexExamples,
-    ::testing::Values(example{u"s", u"\u00df", {}},
-                      example{u"s+", u"\u00df", {{0, 1}}},
-                      example{u"..", u"\u00df", {{0, 1}}},
-                      example{u".", u"\u00df", {}},
-                      example{u".", u"\u00dfa", {{1, 2}}},
-                      example{u"s", u"\u00dfs", {{1, 2}}},
+    ::testing::Values(example{u"s", u"\u00df", {}}, example{u"s+", u"\u00df", {{0, 1}}},
+                      example{u"..", u"\u00df", {{0, 1}}}, example{u".", u"\u00df", {}},
+                      example{u".", u"\u00dfa", {{1, 2}}}, example{u"s", u"\u00dfs", {{1, 2}}},
                       example{u"e", u"e\u0301", {{0, 2}}},
                       example{u"\\x{1F4BB}", u"\U0001F469\u200D\U0001F4BB", {}},
-                      example{u"x*", u"\u00df", {{0, 0}, {1, 1}}},
-                      example{u"x*", u"", {{0, 0}}},
+                      example{u"x*", u"\u00df", {{0, 0}, {1, 1}}}, example{u"x*", u"", {{0, 0}}},
                       example{u"a", u"\u00ada\u00ad", {{1, 2}}}));
 
 TEST(RegexQuery, QuotedLiteralGivesWhatTheLiteralQueryGives) {
   const std::u16string text =
       u"Stra\u00dfe STRASSE stra\u00dfe \u00df e\u0301 \uFB01 \U0001F469\u200D\U0001F4BB "
       u"\u0e40\u0e01 l\u00b7l";
-  for (const std::u16string query :
-       {u"strasse", u"s", u"ss", u"e", u"fi", u"\U0001F4BB", u"\u0e40", u"\u0e01", u"ll",
-        u"l\u00b7l", u"a.b(c)*", u" "}) {
+  for (const std::u16string query : {u"strasse", u"s", u"ss", u"e", u"fi", u"\U0001F4BB", u"\u0e40",
+                                     u"\u0e01", u"ll", u"l\u00b7l", u"a.b(c)*", u" "}) {
     const re::search_pattern literal(query);
     const re::search_pattern quoted(u"\\Q" + query + u"\\E", kRegex);
     EXPECT_EQ(find(quoted, text), find(literal, text));
@@ -247,8 +229,8 @@ TEST(RegexReplace, ALiteralQueryStillTakesItsReplacementLiterally) {
 }
 
 TEST(RegexErrors, TheConstructorThrowsWhatCreateMatcherThrows) {
-  for (const std::u16string bad : {u"stra\u00dfe(", u"[z-a]", u"a{", u"\\", u"(?<=a+)b",
-                                   u"\\p{Nope}", u"*", u"\\k<none>"}) {
+  for (const std::u16string bad :
+       {u"stra\u00dfe(", u"[z-a]", u"a{", u"\\", u"(?<=a+)b", u"\\p{Nope}", u"*", u"\\k<none>"}) {
     std::string expected_code;
     std::string expected_message;
     try {
@@ -272,8 +254,7 @@ TEST(RegexErrors, TheConstructorThrowsWhatCreateMatcherThrows) {
 }
 
 TEST(RegexErrors, CheckGivesTheOffsetInTheCallersQuery) {
-  const std::optional<re::pattern_error> error =
-      re::search_pattern::check(u"stra\u00dfe(", kRegex);
+  const std::optional<re::pattern_error> error = re::search_pattern::check(u"stra\u00dfe(", kRegex);
   ASSERT_TRUE(error.has_value());
   EXPECT_EQ(error->error.getErrorCodeMnemonic(), "U_REGEX_MISMATCHED_PAREN");
   EXPECT_EQ(error->offset, 7U);
@@ -292,8 +273,8 @@ TEST(RegexErrors, CheckGivesTheOffsetInTheCallersQuery) {
 }
 
 TEST(RegexErrors, CheckAcceptsWhatTheConstructorAccepts) {
-  for (const std::u16string good : {u"\u00df+", u"[^\\s]", u"\\p{L}+", u"(?<n>x)\\k<n>",
-                                    u"\\Q(\\E", u"(?x) a # b"}) {
+  for (const std::u16string good :
+       {u"\u00df+", u"[^\\s]", u"\\p{L}+", u"(?<n>x)\\k<n>", u"\\Q(\\E", u"(?x) a # b"}) {
     EXPECT_FALSE(re::search_pattern::check(good, kRegex).has_value());
     EXPECT_NO_THROW((void)regex(good));
   }
