@@ -13,7 +13,7 @@ import sys
 OWN_CASES = ("prepare_mapped/", "find_all/", "french_walk/", "french_find_all/",
              "french_replace_preserving/", "iterator_positions/", "oneshot_cached/", "handle_replace/",
              "group_names_cached/", "group_names_compiling/", "search_fold/", "fold_prepare_mapped/",
-             "fold_find_all_utf8/")
+             "fold_find_all_utf8/", "fold_quoted_find_all/")
 # Cases that report how late a search stopped after a 50 ms deadline.
 LATENCY_PREFIX = "limit/stop_latency/"
 
@@ -97,6 +97,7 @@ def main(path):
         (r"group_names_cached/(.+)$", "group_names_compiling/{0}", "getGroupNamesIfAvailable vs finder compiled per call /{0}"),
         (r"search_fold/(.+)$", "fold_prepare_mapped/opt5/{0}", "search_fold vs prepare_text_mapped 0x5 /{0}"),
         (r"fold_find_all_utf8/(.+)$", "fold_find_all/{0}", "search_pattern find_all, UTF-8 vs UTF-16 /{0}"),
+        (r"fold_quoted_find_all/(.+)$", "fold_find_all/{0}", "search_pattern find_all, \\Q...\\E regex vs literal /{0}"),
     )
     own = []
     for case in [n.partition("/")[2] for n in runs if n.startswith("lib/")]:

@@ -506,9 +506,12 @@ ranges check_forms(const re::search_pattern& pattern, const re::search_pattern& 
 }
 
 // Every literal query also as a regex query quoted with \Q...\E, which must
-// find exactly what the literal query finds, in UTF-16 and UTF-8 text. A
-// query that folds to nothing is the one exception: as a literal it finds
-// nothing, quoted it is a regex that matches the empty string.
+// find exactly what the literal query finds, in UTF-16 and UTF-8 text: as
+// written (which the library searches as a literal), inside a group (which
+// ICU searches), and followed by an empty group (which ICU searches from
+// where the query's fold occurs). A query that folds to nothing is the one
+// exception: as a literal it finds nothing, quoted it is a regex that matches
+// the empty string.
 struct quoted_literal {
   long compared = 0;
   long folds_to_nothing = 0;
@@ -521,16 +524,19 @@ struct quoted_literal {
       return;
     }
     ++compared;
-    const re::search_pattern pattern(u"\\Q" + query + u"\\E", re::query_syntax::regex);
-    const std::string where = "query " + hex(query) + " text " + hex(text);
-    if (ranges_of(pattern.find_all(text)) != literal) {
-      log.add("\\Q...\\E finds other matches than the literal query (UTF-16)",
-              where + " literal " + show(literal) + " regex " +
-                  show(ranges_of(pattern.find_all(text))));
-    }
+    const std::u16string quoted = u"\\Q" + query + u"\\E";
     const utf8_text text8 = to_utf8(text);
-    if (to_utf16(ranges_of(pattern.find_all(text8.bytes)), text8) != literal) {
-      log.add("\\Q...\\E finds other matches than the literal query (UTF-8)", where);
+    for (const std::u16string& form : {quoted, u"(?:" + quoted + u")", quoted + u"(?:)"}) {
+      const re::search_pattern pattern(form, re::query_syntax::regex);
+      const std::string where = "regex " + hex(form) + " text " + hex(text);
+      const ranges found = ranges_of(pattern.find_all(text));
+      if (found != literal) {
+        log.add("a quoted literal finds other matches than the literal query (UTF-16)",
+                where + " literal " + show(literal) + " regex " + show(found));
+      }
+      if (to_utf16(ranges_of(pattern.find_all(text8.bytes)), text8) != literal) {
+        log.add("a quoted literal finds other matches than the literal query (UTF-8)", where);
+      }
     }
   }
 };

@@ -2,54 +2,14 @@
 
 #include <cstring>
 
-#if defined(__SSE2__)
-#include <emmintrin.h>
-#endif
-
 #include "scl/regex/exception.h"
 #include "search/match_rules.h"
+#include "search/unit_scan.h"
 #include "time_limit/deadline.h"
 
 namespace scl::regex::detail {
 
 namespace {
-
-// The first position p in [from, last) with p[0] == first and p[1] == second
-// (p[1] may be `last`), or nullptr.
-const char16_t* find_pair(const char16_t* from, const char16_t* last, char16_t first,
-                          char16_t second) {
-#if defined(__SSE2__)
-  const __m128i firsts = _mm_set1_epi16(static_cast<short>(first));
-  const __m128i seconds = _mm_set1_epi16(static_cast<short>(second));
-  for (; from + 8 <= last; from += 8) {
-    const __m128i here = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
-    const __m128i next = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + 1));
-    const int mask = _mm_movemask_epi8(
-        _mm_and_si128(_mm_cmpeq_epi16(here, firsts), _mm_cmpeq_epi16(next, seconds)));
-    if (mask != 0) return from + (__builtin_ctz(static_cast<unsigned>(mask)) >> 1);
-  }
-#endif
-  for (; from < last; ++from) {
-    if (from[0] == first && from[1] == second) return from;
-  }
-  return nullptr;
-}
-
-// The first position in [from, last) holding `unit`, or nullptr.
-const char16_t* find_unit(const char16_t* from, const char16_t* last, char16_t unit) {
-#if defined(__SSE2__)
-  const __m128i units = _mm_set1_epi16(static_cast<short>(unit));
-  for (; from + 8 <= last; from += 8) {
-    const int mask = _mm_movemask_epi8(
-        _mm_cmpeq_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(from)), units));
-    if (mask != 0) return from + (__builtin_ctz(static_cast<unsigned>(mask)) >> 1);
-  }
-#endif
-  for (; from < last; ++from) {
-    if (*from == unit) return from;
-  }
-  return nullptr;
-}
 
 // Candidates rejected between two looks at the clock.
 constexpr int rejections_per_check = 4096;

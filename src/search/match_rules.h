@@ -46,8 +46,7 @@ class match_rules {
   bool accepts_empty(int32_t at, source_span& span) const {
     if (at > 0 && at < folded_.size && !folded_.starts_piece(at)) return false;
     span.start = span.end = source_position(at);
-    return grapheme_boundary(table_, source_, size_, span.start) &&
-           !inside_contraction(span.start);
+    return grapheme_boundary(table_, source_, size_, span.start) && !inside_contraction(span.start);
   }
 
   // The source range of folded units [start, end), widened to whole pieces.

@@ -42,58 +42,126 @@ void append_set_member(std::u16string& out, UChar32 c) {
   }
 }
 
-// The code points that members of `set` fold to one of, sorted and merged.
-std::vector<code_point_range> folds_of(const fold_table& table, const icu::UnicodeSet& set) {
-  std::vector<code_point_range> folds;
-  for (int32_t i = 0; i < set.getRangeCount(); ++i) {
-    const UChar32 last = set.getRangeEnd(i);
-    for (UChar32 c = set.getRangeStart(i); c <= last;) {
+// One bit per code point.
+class code_point_bits {
+ public:
+  static constexpr UChar32 limit = 0x110000;
+
+  void set(UChar32 first, UChar32 last) {
+    for (UChar32 c = first; c <= last;) {
+      const int bit = c & 63;
+      const UChar32 in_word = std::min<UChar32>(last - c + 1, 64 - bit);
+      const std::uint64_t mask =
+          in_word == 64 ? ~std::uint64_t{0} : ((std::uint64_t{1} << in_word) - 1) << bit;
+      words_[static_cast<std::size_t>(c >> 6)] |= mask;
+      c += in_word;
+    }
+  }
+
+  // The first code point from `from` whose bit is `value`, or `limit`.
+  UChar32 next(UChar32 from, bool value) const {
+    while (from < limit) {
+      std::uint64_t word = words_[static_cast<std::size_t>(from >> 6)];
+      if (!value) word = ~word;
+      word &= ~std::uint64_t{0} << (from & 63);
+      if (word != 0) return (from & ~63) + __builtin_ctzll(word);
+      from = (from & ~63) + 64;
+    }
+    return limit;
+  }
+
+  // Whether any bit of [first, last] is set.
+  bool any(UChar32 first, UChar32 last) const { return next(first, true) <= last; }
+
+ private:
+  std::vector<std::uint64_t> words_ = std::vector<std::uint64_t>(limit / 64);
+};
+
+// Sets in `bits` the fold of the code points [first, last], which share one
+// table value `value`, where it is one code point.
+void set_folds(const fold_table& table, UChar32 first, UChar32 last, std::uint32_t value,
+               code_point_bits& bits) {
+  switch (fold_value::kind(value)) {
+    case fold_kind::self:
+      bits.set(first, last);
+      break;
+    case fold_kind::delta:
+      bits.set(first + fold_value::delta(value), last + fold_value::delta(value));
+      break;
+    case fold_kind::pool: {
+      const char16_t* units = table.pool() + fold_value::pool_offset(value);
+      const auto length = static_cast<int32_t>(fold_value::pool_length(value));
+      int32_t at = 0;
+      const UChar32 fold = next_code_point(units, at, length);
+      if (at == length) bits.set(fold, fold);
+      break;
+    }
+    case fold_kind::nothing:
+      break;
+  }
+}
+
+// The code points that folded text can hold: every fold of a code point, and
+// what NFC may compose of folds. A class needs to be right only on these, so
+// it may take in the code points between them.
+const code_point_bits& folded_alphabet(const fold_table& table) {
+  static const code_point_bits alphabet = [&table] {
+    code_point_bits bits;
+    for (UChar32 c = 0; c < code_point_bits::limit;) {
       std::uint32_t value = 0;
-      const UChar32 end = std::min(table.fold_run(c, value), last);
-      switch (fold_value::kind(value)) {
-        case fold_kind::self:
-          folds.emplace_back(c, end);
-          break;
-        case fold_kind::delta: {
-          const std::int32_t delta = fold_value::delta(value);
-          folds.emplace_back(c + delta, end + delta);
-          break;
+      const UChar32 end = table.fold_run(c, value);
+      if (fold_value::kind(value) == fold_kind::pool) {
+        // Every code point of a fold of several.
+        const char16_t* units = table.pool() + fold_value::pool_offset(value);
+        const auto length = static_cast<int32_t>(fold_value::pool_length(value));
+        for (int32_t at = 0; at < length;) {
+          const UChar32 unit = next_code_point(units, at, length);
+          bits.set(unit, unit);
         }
-        case fold_kind::pool: {
-          const char16_t* units = table.pool() + fold_value::pool_offset(value);
-          const auto length = static_cast<int32_t>(fold_value::pool_length(value));
-          int32_t at = 0;
-          const UChar32 first = next_code_point(units, at, length);
-          if (at == length) folds.emplace_back(first, first);
-          break;
-        }
-        case fold_kind::nothing:
-          break;
+      } else {
+        set_folds(table, c, end, value, bits);
       }
       c = end + 1;
     }
-  }
-  std::sort(folds.begin(), folds.end());
-  std::vector<code_point_range> merged;
-  for (const code_point_range& range : folds) {
-    if (!merged.empty() && range.first <= merged.back().second + 1) {
-      merged.back().second = std::max(merged.back().second, range.second);
-    } else {
-      merged.push_back(range);
+    UErrorCode status = U_ZERO_ERROR;
+    const icu::UnicodeSet composites(u"[[:dt=canonical:]-[:Full_Composition_Exclusion:]]", status);
+    for (int32_t i = 0; U_SUCCESS(status) && i < composites.getRangeCount(); ++i) {
+      bits.set(composites.getRangeStart(i), composites.getRangeEnd(i));
     }
-  }
-  return merged;
+    if (U_FAILURE(status)) bits.set(0, code_point_bits::limit - 1);  // nothing is taken in
+    return bits;
+  }();
+  return alphabet;
 }
 
-std::vector<code_point_range> complement(const std::vector<code_point_range>& ranges) {
-  std::vector<code_point_range> result;
-  UChar32 next = 0;
-  for (const code_point_range& range : ranges) {
-    if (range.first > next) result.emplace_back(next, range.first - 1);
-    next = range.second + 1;
+// The ranges of code points that the class matches in folded text: the folds
+// of its members that fold to one code point (or every other code point, for
+// a negated class), neighbouring ranges joined where folded text can hold
+// nothing between them.
+std::vector<code_point_range> folded_ranges(const fold_table& table, const class_set& set) {
+  code_point_bits folds;
+  for (int32_t i = 0; i < set.members.getRangeCount(); ++i) {
+    const UChar32 last = set.members.getRangeEnd(i);
+    for (UChar32 c = set.members.getRangeStart(i); c <= last;) {
+      std::uint32_t value = 0;
+      const UChar32 end = std::min(table.fold_run(c, value), last);
+      set_folds(table, c, end, value, folds);
+      c = end + 1;
+    }
   }
-  if (next <= 0x10FFFF) result.emplace_back(next, 0x10FFFF);
-  return result;
+  const code_point_bits& alphabet = folded_alphabet(table);
+  const bool in = !set.negated;
+  std::vector<code_point_range> ranges;
+  for (UChar32 c = folds.next(0, in); c < code_point_bits::limit;) {
+    const UChar32 end = folds.next(c, !in);
+    if (!ranges.empty() && !alphabet.any(ranges.back().second + 1, c - 1)) {
+      ranges.back().second = end - 1;
+    } else {
+      ranges.emplace_back(c, end - 1);
+    }
+    c = folds.next(end, in);
+  }
+  return ranges;
 }
 
 class pattern_folder {
@@ -137,6 +205,10 @@ class pattern_folder {
           quantifier(c);
           break;
         case u'|':
+          flush(false);
+          if (scopes_.size() == 1) top_level_alternation_ = true;
+          copy(c.start);
+          break;
         case u'^':
         case u'$':
         case u'.':
@@ -150,6 +222,8 @@ class pattern_folder {
     }
     flush(false);
     out_.origin.push_back(static_cast<int32_t>(pattern_.size()));
+    out_.literal = only_literals_;
+    if (top_level_alternation_) out_.prefix.clear();
     return std::move(out_);
   }
 
@@ -167,10 +241,12 @@ class pattern_folder {
   void emit_text(std::u16string_view text, int32_t origin) {
     for (const char16_t unit : text) emit_unit(unit, origin);
     after_back_reference_ = false;
+    anything_emitted_ = true;
   }
 
   // The pattern from `from` to where the lexer is, as written.
   void copy(int32_t from) {
+    only_literals_ = false;
     emit_text(pattern_.substr(static_cast<std::size_t>(from),
                               static_cast<std::size_t>(lexer_.position() - from)),
               from);
@@ -188,6 +264,7 @@ class pattern_folder {
   }
 
   void emit_class(const class_set& set, int32_t origin) {
+    only_literals_ = false;
     std::u16string text;
     append_folded_class(table_, set, text);
     emit_text(text, origin);
@@ -216,6 +293,12 @@ class pattern_folder {
         while (last_piece > 0 && folded.origin[last_piece - 1] == last_start) --last_piece;
       }
     }
+    if (!anything_emitted_) {
+      // The run the pattern starts with: its part that is not quantified
+      // starts every match.
+      out_.prefix.assign(folded.units.data(), static_cast<std::size_t>(last_piece));
+    }
+    if (only_literals_) out_.literal_fold.append(folded.text());
     emit_units(folded, 0, last_piece);
     if (quantified) {
       int32_t at = last_piece;
@@ -338,17 +421,19 @@ class pattern_folder {
   std::u16string_view pattern_;
   pattern_lexer lexer_;
   std::vector<flags> scopes_;
-  std::u16string run_;             // literal characters not folded yet
+  std::u16string run_;               // literal characters not folded yet
   std::vector<int32_t> run_origin_;  // for each unit of run_, its offset in the pattern
   bool after_back_reference_ = false;
+  bool anything_emitted_ = false;  // syntax dropped (a comment) counts as nothing
+  bool only_literals_ = true;
+  bool top_level_alternation_ = false;
   folded_pattern out_;
 };
 
 }  // namespace
 
 void append_folded_class(const fold_table& table, const class_set& set, std::u16string& out) {
-  std::vector<code_point_range> ranges = folds_of(table, set.members);
-  if (set.negated) ranges = complement(ranges);
+  const std::vector<code_point_range> ranges = folded_ranges(table, set);
   if (ranges.empty()) {
     out += u"[^\\x{0}-\\x{10ffff}]";  // matches nothing
     return;

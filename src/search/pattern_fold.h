@@ -39,6 +39,12 @@ struct folded_pattern {
   // origin[i] is the offset in the caller's pattern of the syntax that gave
   // text[i]; origin[text.size()] is the pattern's size.
   std::vector<int32_t> origin;
+  // Set when the pattern is literal characters alone: `literal_fold` is then
+  // their fold, which literal search finds as ICU would.
+  bool literal = false;
+  std::u16string literal_fold;
+  // Folded units that every match starts with (empty if there are none).
+  std::u16string prefix;
 
   // The offset in the caller's pattern of folded position `at`.
   int32_t source_offset(std::size_t at) const {

@@ -6,6 +6,7 @@
 
 #include "icu/matcher.h"
 #include "scl/regex/exception.h"
+#include "search/unit_scan.h"
 #include "time_limit/deadline.h"
 
 namespace scl::regex::detail {
@@ -24,8 +25,8 @@ struct utext_closer {
 };
 
 template <class Unit>
-void find(const fold_table& table, const icu::RegexPattern& pattern, const Unit* source,
-          const folded_text& folded, std::size_t limit, regex_matches& out) {
+void find(const fold_table& table, const icu::RegexPattern& pattern, std::u16string_view prefix,
+          const Unit* source, const folded_text& folded, std::size_t limit, regex_matches& out) {
   UErrorCode status = U_ZERO_ERROR;
   const std::unique_ptr<icu::RegexMatcher> matcher = new_matcher(pattern, status);
   throw_if_failed(status);
@@ -40,9 +41,20 @@ void find(const fold_table& table, const icu::RegexPattern& pattern, const Unit*
   throw_if_failed(status);
 
   const match_rules<Unit> rules(table, source, folded);
-  bool resume = false;  // go on from `from` rather than after the last match
+  const char16_t* units = folded.units.data();
+  const auto size = static_cast<std::size_t>(folded.size);
+  // With a prefix, every search starts where it occurs; without, a search
+  // after a match goes on as ICU goes on (past an empty match by one).
+  bool resume = !prefix.empty();
   int64_t from = 0;
   while (out.size() < limit) {
+    if (!prefix.empty()) {
+      if (size < prefix.size() || static_cast<std::size_t>(from) > size - prefix.size()) break;
+      const char16_t* hit =
+          find_units(units + from, units + size - prefix.size() + 1, units + size, prefix);
+      if (hit == nullptr) break;
+      from = hit - units;
+    }
     check_deadline(status);
     const bool found = resume ? matcher->find(from, status) : matcher->find(status);
     throw_if_failed(status);
@@ -62,7 +74,11 @@ void find(const fold_table& table, const icu::RegexPattern& pattern, const Unit*
         }
       }
       throw_if_failed(status);
-      resume = false;
+      if (prefix.empty()) {
+        resume = false;
+      } else {
+        from = end;  // a match with a prefix is never empty
+      }
       continue;
     }
     // Rejected: on from the next piece.
@@ -75,14 +91,16 @@ void find(const fold_table& table, const icu::RegexPattern& pattern, const Unit*
 
 }  // namespace
 
-void find_regex(const fold_table& table, const icu::RegexPattern& pattern, const char16_t* source,
-                const folded_text& folded, std::size_t limit, regex_matches& out) {
-  find(table, pattern, source, folded, limit, out);
+void find_regex(const fold_table& table, const icu::RegexPattern& pattern,
+                std::u16string_view prefix, const char16_t* source, const folded_text& folded,
+                std::size_t limit, regex_matches& out) {
+  find(table, pattern, prefix, source, folded, limit, out);
 }
 
-void find_regex(const fold_table& table, const icu::RegexPattern& pattern, const char* source,
-                const folded_text& folded, std::size_t limit, regex_matches& out) {
-  find(table, pattern, source, folded, limit, out);
+void find_regex(const fold_table& table, const icu::RegexPattern& pattern,
+                std::u16string_view prefix, const char* source, const folded_text& folded,
+                std::size_t limit, regex_matches& out) {
+  find(table, pattern, prefix, source, folded, limit, out);
 }
 
 }  // namespace scl::regex::detail

@@ -26,8 +26,13 @@ namespace detail {
 // What a search_pattern shares between its copies.
 struct search_program {
   query_syntax syntax = query_syntax::literal;
-  std::u16string query;    // a literal query, folded
-  shared_pattern pattern;  // a regex query: ICU's pattern for it, folded
+  // A literal query folded, or a regex query that is literal characters alone
+  // (then ICU would find what literal search finds): searched as such.
+  std::u16string query;
+  // A regex query: ICU's pattern for its fold, and the folded units that
+  // start every match.
+  shared_pattern pattern;
+  std::u16string prefix;
   int group_count = 0;
 };
 
@@ -78,6 +83,8 @@ compiled_query compile_regex(std::u16string_view query) {
   auto program = std::make_shared<detail::search_program>();
   program->syntax = query_syntax::regex;
   program->pattern = compiled.pattern;
+  program->prefix = folded.prefix;
+  if (folded.literal) program->query = folded.literal_fold;
   UErrorCode status = U_ZERO_ERROR;
   const std::unique_ptr<icu::RegexMatcher> matcher(program->pattern->matcher(status));
   if (U_FAILURE(status)) return compiled_query{nullptr, regex_exception(status), npos};
@@ -140,8 +147,7 @@ template <class Unit>
 detail::regex_matches search(const detail::search_program* program,
                              std::basic_string_view<Unit> text, std::size_t limit) {
   detail::regex_matches found;
-  if (program == nullptr) return found;
-  if (program->syntax == query_syntax::literal && program->query.empty()) return found;
+  if (program == nullptr || (program->query.empty() && program->pattern == nullptr)) return found;
   UErrorCode status = U_ZERO_ERROR;
   detail::check_deadline(status);
   if (U_FAILURE(status)) throw regex_exception(status);
@@ -149,10 +155,11 @@ detail::regex_matches search(const detail::search_program* program,
   const scratch_text scratch;
   detail::folded_text& folded = scratch_text::text();
   const int32_t size = detail::icu_length(text.size());
-  if (program->syntax == query_syntax::regex) {
+  if (program->query.empty()) {
     // A regex may look anywhere: the whole text is folded first.
     detail::fold_text(table, text.data(), size, true, folded);
-    detail::find_regex(table, *program->pattern, text.data(), folded, limit, found);
+    detail::find_regex(table, *program->pattern, program->prefix, text.data(), folded, limit,
+                       found);
     return found;
   }
   // The search follows the fold, so that it can stop at the first match. (One
@@ -166,13 +173,13 @@ detail::regex_matches search(const detail::search_program* program,
     std::vector<source_span>& spans;
     int32_t from;
   } state{table, *program, text, folded, limit, found.spans, 0};
-  detail::fold_text(table, text.data(), size, true, folded,
-                    [&state](int32_t final_units, bool last) {
-                      state.from = detail::find_literal(
-                          state.table, state.program.query, state.text.data(), state.folded,
-                          state.from, final_units, last, state.limit, state.spans);
-                      return state.spans.size() >= state.limit;
-                    });
+  detail::fold_text(
+      table, text.data(), size, true, folded, [&state](int32_t final_units, bool last) {
+        state.from =
+            detail::find_literal(state.table, state.program.query, state.text.data(), state.folded,
+                                 state.from, final_units, last, state.limit, state.spans);
+        return state.spans.size() >= state.limit;
+      });
   return found;
 }
 
@@ -215,8 +222,8 @@ std::optional<source_match> first_match(const detail::search_program* program,
 int group_number_of(const detail::search_program* program, std::string_view name) {
   if (program == nullptr || program->pattern == nullptr || name.size() > INT32_MAX) return -1;
   UErrorCode status = U_ZERO_ERROR;
-  const int32_t number = program->pattern->groupNumberFromName(
-      name.data(), static_cast<int32_t>(name.size()), status);
+  const int32_t number =
+      program->pattern->groupNumberFromName(name.data(), static_cast<int32_t>(name.size()), status);
   return U_SUCCESS(status) ? number : -1;
 }
 
@@ -296,8 +303,7 @@ search_pattern& search_pattern::operator=(const search_pattern&) noexcept = defa
 search_pattern& search_pattern::operator=(search_pattern&&) noexcept = default;
 search_pattern::~search_pattern() = default;
 
-std::optional<pattern_error> search_pattern::check(std::u16string_view query,
-                                                   query_syntax syntax) {
+std::optional<pattern_error> search_pattern::check(std::u16string_view query, query_syntax syntax) {
   return check_query(query, syntax);
 }
 
