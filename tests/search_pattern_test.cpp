@@ -254,6 +254,12 @@ TEST(HeaderExample, GivesWhatItSays) {
   EXPECT_EQ(re::search_pattern("cafe").replace_all("Caf\xc3\xa9 cr\xc3\xa8me", "tea"),
             "tea cr\xc3\xa8me");
   EXPECT_EQ(re::search_fold(u"Stra\u00dfe").text(), u"strasse");
+
+  const re::search_pattern street(u"(\\w+)stra\u00dfe", re::query_syntax::regex);
+  const std::vector<re::source_match> found = street.find_all(u"Hauptstrasse");
+  ASSERT_EQ(found.size(), 1U);
+  EXPECT_EQ(found[0].groups, (ranges{{0, 12}, {0, 5}}));
+  EXPECT_EQ(street.replace_all(u"K\u00f6nigstra\u00dfe", u"$1 St."), u"K\u00f6nig St.");
 }
 
 }  // namespace

@@ -351,3 +351,15 @@ TEST(RegexQuery, CopiesShareTheCompiledQuery) {
 }
 
 }  // namespace
+
+namespace {
+
+TEST(ReadmeExample, GivesWhatItSays) {
+  const re::search_pattern street(u"(?<name>\\w+)stra\u00dfe", re::query_syntax::regex);
+  EXPECT_EQ(find(street, std::u16string_view(u"Hauptstrasse, K\u00f6nigstra\u00dfe")),
+            (ranges{{0, 12}, {14, 25}}));
+  EXPECT_EQ(street.group_number("name"), 1);
+  EXPECT_EQ(street.replace_all(u"K\u00f6nigstra\u00dfe", u"${name} St."), u"K\u00f6nig St.");
+}
+
+}  // namespace

@@ -81,8 +81,8 @@ bool name_character(UChar32 c) {
 }  // namespace
 
 UErrorCode parse_replacement(const std::u16string& replacement, int group_count,
-                       const std::function<int(const std::string&)>& number_of,
-                       std::vector<replacement_part>& parts) {
+                             const std::function<int(const std::string&)>& number_of,
+                             std::vector<replacement_part>& parts) {
   parts.clear();
   const std::size_t length = replacement.size();
   std::size_t at = 0;

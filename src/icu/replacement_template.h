@@ -27,8 +27,8 @@ struct replacement_part {
 // U_REGEX_INVALID_CAPTURE_GROUP_NAME for "$" followed by neither, an unknown
 // or malformed name; U_ZERO_ERROR otherwise.
 UErrorCode parse_replacement(const std::u16string& replacement, int group_count,
-                       const std::function<int(const std::string&)>& number_of,
-                       std::vector<replacement_part>& parts);
+                             const std::function<int(const std::string&)>& number_of,
+                             std::vector<replacement_part>& parts);
 
 }  // namespace scl::regex::detail
 

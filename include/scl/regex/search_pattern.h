@@ -8,6 +8,11 @@
 //   re::search_pattern(u"usb").find_first(u"\uff35\uff33\uff22 cable");  // {0, 3}
 //   re::search_pattern("cafe").replace_all("Caf\xc3\xa9 cr\xc3\xa8me", "tea");  // "tea cr\xc3\xa8me"
 //   re::search_fold(u"Stra\u00dfe").text();                     // u"strasse"
+//
+//   // Regex queries: ICU's syntax, folded the same way.
+//   const re::search_pattern street(u"(\\w+)stra\u00dfe", re::query_syntax::regex);
+//   street.find_all(u"Hauptstrasse");                           // {0, 12}, group 1 {0, 5}
+//   street.replace_all(u"K\u00f6nigstra\u00dfe", u"$1 St.");      // u"K\u00f6nig St."
 // clang-format on
 //
 // Search folding treats as equal what ICU's root collator treats as equal at
@@ -79,6 +84,39 @@
 //     against the expansion written out. Search folding finds a match in
 //     these cases where usearch finds none.
 //
+// Regex queries (query_syntax::regex) use ICU's regular expression syntax.
+// The pattern is folded as text is, but by its syntax:
+//   - Literal characters (typed, escaped as \uhhhh, \x{h...}, \xhh,
+//     \N{NAME}, octal or \cX, or quoted with \Q...\E) are normalised to NFC
+//     and folded: "stra\u00dfe" finds "STRASSE", "cafe" U+0301 is "caf\u00e9".
+//     A quantifier applies to its character's whole fold: "\u00df+" means
+//     "(?:ss)+". A character that folds to nothing matches the empty string.
+//   - A set, a property or a shorthand class ([...], \p{...}, \P{...},
+//     [:...:], \d \w \s \h \v and their negations) matches a folded
+//     character when that character is the fold of one of its members:
+//     "[\u00e9]", "[\u00e0-\u00ff]" and "\p{Lu}" match the "e" that "\u00c9"
+//     folds to, "[A-Z]" matches "\u0142". A negated class matches what its
+//     positive form does not: "[^a-z]" does not match "\u00e9". Set
+//     operations (&&, --, nesting) are evaluated as ICU evaluates them, then
+//     folded. A class matches one character, so members that fold to several
+//     ("\u00df", "\ufb01") or to nothing (U+00AD) are left out: "[\u00df]"
+//     matches nothing, and likewise "." does not match "\u00df" but ".."
+//     does.
+//   - Everything else stands as written and applies to the folded text:
+//     groups (named ones too), alternation, anchors, \b, look-around, back
+//     references ("(\\w)\\1" finds "A\u00e1"), flags. "." matches line ends,
+//     as everywhere in this library. Folding adds no capturing group: group
+//     numbers and names are the caller's.
+// Matches follow the rules of literal search: none starts or ends inside a
+// piece ("s" does not match "\u00df"; "s+" and ".." do), each starts on a
+// grapheme-cluster boundary, and an empty match sits between pieces. A match
+// that ICU finds but these rules reject is skipped, and the search goes on
+// from the next piece. A regex made of one quoted literal ("\\Qcr\u00e8me\\E")
+// finds what the literal query finds, except for a query that folds to
+// nothing, which as a literal finds nothing and as a regex matches the empty
+// string. Each group is the range of the caller's text its folded units came
+// from, widened to whole pieces; {npos, npos} for a group that took no part.
+//
 // Thread safety: a search_pattern is immutable after construction; any number
 // of threads may search with one object, or with copies of it, at once.
 // Searches honour the calling thread's match_time_limit.
@@ -101,7 +139,7 @@ namespace scl::regex {
 // How a search_pattern reads its query.
 enum class query_syntax {
   literal,  // the query is text: every character stands for itself
-  regex,    // the query is an ICU regular expression (not supported yet)
+  regex,    // the query is an ICU regular expression, folded by its syntax (see above)
 };
 
 // Returns `text` folded for search (see above), with its map back to `text`:
@@ -118,9 +156,10 @@ struct search_program;
 // A query, folded once, for searching any number of texts.
 //
 // Each match is a source_match in the caller's text: UTF-16 units for the
-// std::u16string_view forms, bytes for the std::string_view (UTF-8) forms,
-// with groups == {{start, end}}. Matches come in text order and do not
-// overlap.
+// std::u16string_view forms, bytes for the std::string_view (UTF-8) forms.
+// Its groups are the match itself, then (for a regex query) each capturing
+// group. Matches come in text order and do not overlap; only a regex query
+// has empty matches.
 //
 // Errors: a search that fails (stopped by match_time_limit, an ICU error)
 // throws regex_exception with ICU's code (U_REGEX_TIME_OUT for the time
@@ -132,9 +171,10 @@ class SCL_REGEX_API search_pattern {
   search_pattern();
 
   // Folds `query` for search. A literal query never fails. A regex query
-  // throws regex_exception with U_UNSUPPORTED_ERROR (regex queries are not
-  // supported yet). A UTF-8 query is the same query as its UTF-16 form, its
-  // ill-formed sequences read as U+FFFD.
+  // that ICU rejects throws regex_exception with the code createMatcher
+  // gives for it (and so its message). A UTF-8 query is the same query as its
+  // UTF-16 form, its ill-formed sequences read as U+FFFD. Compiling a regex
+  // query with a large class (\p{L}) takes well under a millisecond.
   explicit search_pattern(std::u16string_view query, query_syntax syntax = query_syntax::literal);
   explicit search_pattern(std::string_view utf8_query, query_syntax syntax = query_syntax::literal);
 
@@ -147,8 +187,10 @@ class SCL_REGEX_API search_pattern {
 
   // Returns no value if search_pattern(query, syntax) would succeed, else the
   // error it would throw, with its offset in `query` (UTF-16 units, or bytes
-  // for the UTF-8 form; npos where there is none) and a description for
-  // people. A literal query never fails. Throws only std::bad_alloc.
+  // for the UTF-8 form; npos where ICU gives none), which is where ICU stops
+  // reading the query ("stra\u00dfe(" fails at 7), and a description that
+  // points at it, as check_pattern's does. A literal query never fails.
+  // Throws only std::bad_alloc.
   [[nodiscard]] static std::optional<pattern_error> check(std::u16string_view query,
                                                           query_syntax syntax);
   [[nodiscard]] static std::optional<pattern_error> check(std::string_view utf8_query,
@@ -157,6 +199,7 @@ class SCL_REGEX_API search_pattern {
   // The syntax the query was read with.
   [[nodiscard]] query_syntax syntax() const noexcept;
   // The number of capturing groups of the query: 0 for a literal query.
+  // (A default-constructed pattern has none either.)
   [[nodiscard]] int group_count() const noexcept;
   // The number of the group called `name`, or -1 if there is none.
   [[nodiscard]] int group_number(std::string_view name) const noexcept;
@@ -167,9 +210,16 @@ class SCL_REGEX_API search_pattern {
   [[nodiscard]] std::optional<source_match> find_first(std::u16string_view text) const;
   // Every match in `text`, in order, without overlap.
   [[nodiscard]] std::vector<source_match> find_all(std::u16string_view text) const;
-  // `text` with the range of every match replaced by `replacement`, taken
-  // literally. Every unit outside the matches is kept as it was, U+0000 and
-  // lone surrogates included.
+  // `text` with the range of every match replaced by `replacement`. Every
+  // unit outside the matches is kept as it was, U+0000 and lone surrogates
+  // included. After a literal query the replacement is taken literally. After
+  // a regex query it is read with ICU's syntax: "$n" and "${name}" insert the
+  // group's text from `text`, as written there (nothing for a group that took
+  // no part), and a backslash makes the next character literal. A reference
+  // to a group that does not exist throws regex_exception with ICU's code
+  // (U_INDEX_OUTOFBOUNDS_ERROR for a number, U_REGEX_INVALID_CAPTURE_GROUP_NAME
+  // for a name or a "$" that is followed by neither), whether or not anything
+  // matches.
   [[nodiscard]] std::u16string replace_all(std::u16string_view text,
                                            std::u16string_view replacement) const;
 
