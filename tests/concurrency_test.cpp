@@ -88,6 +88,34 @@ TEST(ConcurrentSearchFolding, OnePatternSharedByEveryThread) {
       0);
 }
 
+TEST(ConcurrentSearchFolding, OneRegexQuerySharedByEveryThread) {
+  // Each thread also compiles queries with classes of its own (the class
+  // sets and their first-use tables are made once per process).
+  EXPECT_EQ(run_on_threads([](int t, int) {
+              const scl::regex::search_pattern own(t % 2 == 0 ? u"\\p{Lu}\\w+" : u"[[:alpha:]]+",
+                                                   scl::regex::query_syntax::regex);
+              return own.find_all(u"\u00c9t\u00e9 !").size() == 1 ? 0 : 1;
+            }),
+            0);
+  const scl::regex::search_pattern shared(u"(?<word>cr[e\u00e8]me)\\s(\\w+)",
+                                          scl::regex::query_syntax::regex);
+  EXPECT_EQ(run_on_threads([&shared](int t, int r) {
+              const std::u16string pad(static_cast<std::size_t>(t + r), u'x');
+              const std::u16string text = pad + u" CR\u00c8ME br\u00fbl\u00e9e";
+              const std::vector<scl::regex::source_match> found = shared.find_all(text);
+              const auto at = static_cast<std::size_t>(t + r + 1);
+              int wrong = 0;
+              wrong += found.size() == 1 && found[0].start == at && found[0].groups.size() == 3 &&
+                               found[0].groups[2].first == at + 6
+                           ? 0
+                           : 1;
+              wrong +=
+                  shared.replace_all(text, u"$2 ${word}") != pad + u" br\u00fbl\u00e9e CR\u00c8ME";
+              return wrong;
+            }),
+            0);
+}
+
 TEST(ConcurrentFreeFunctions, OneShotReplaceUtf16AndUtf8) {
   EXPECT_EQ(run_on_threads([](int t, int r) {
               const std::u16string subject = numbered(t, r);
