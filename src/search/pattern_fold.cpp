@@ -101,60 +101,76 @@ void set_folds(const fold_table& table, UChar32 first, UChar32 last, std::uint32
   }
 }
 
-// The code points that folded text can hold: every fold of a code point, and
-// what NFC may compose of folds. A class needs to be right only on these, so
-// it may take in the code points between them.
-const code_point_bits& folded_alphabet(const fold_table& table) {
-  static const code_point_bits alphabet = [&table] {
-    code_point_bits bits;
+// The fold table read as runs of code points that fold alike, and the code
+// points that folded text can hold: every fold of a code point, and what NFC
+// may compose of folds. A class needs to be right only on the latter, so it
+// may take in the code points between them. Made once per process.
+struct fold_runs {
+  std::vector<UChar32> starts;        // ascending, from 0
+  std::vector<std::uint32_t> values;  // each run's table value (kind and payload)
+  code_point_bits alphabet;
+
+  explicit fold_runs(const fold_table& table) {
     for (UChar32 c = 0; c < code_point_bits::limit;) {
       std::uint32_t value = 0;
       const UChar32 end = table.fold_run(c, value);
+      starts.push_back(c);
+      values.push_back(value);
       if (fold_value::kind(value) == fold_kind::pool) {
         // Every code point of a fold of several.
         const char16_t* units = table.pool() + fold_value::pool_offset(value);
         const auto length = static_cast<int32_t>(fold_value::pool_length(value));
         for (int32_t at = 0; at < length;) {
           const UChar32 unit = next_code_point(units, at, length);
-          bits.set(unit, unit);
+          alphabet.set(unit, unit);
         }
       } else {
-        set_folds(table, c, end, value, bits);
+        set_folds(table, c, end, value, alphabet);
       }
       c = end + 1;
     }
     UErrorCode status = U_ZERO_ERROR;
     const icu::UnicodeSet composites(u"[[:dt=canonical:]-[:Full_Composition_Exclusion:]]", status);
     for (int32_t i = 0; U_SUCCESS(status) && i < composites.getRangeCount(); ++i) {
-      bits.set(composites.getRangeStart(i), composites.getRangeEnd(i));
+      alphabet.set(composites.getRangeStart(i), composites.getRangeEnd(i));
     }
-    if (U_FAILURE(status)) bits.set(0, code_point_bits::limit - 1);  // nothing is taken in
-    return bits;
-  }();
-  return alphabet;
-}
+    if (U_FAILURE(status)) alphabet.set(0, code_point_bits::limit - 1);  // nothing is taken in
+  }
+
+  static const fold_runs& of(const fold_table& table) {
+    static const fold_runs runs(table);
+    return runs;
+  }
+
+  // Sets in `bits` the folds of [first, last] that are one code point.
+  void set_folds_of(const fold_table& table, UChar32 first, UChar32 last,
+                    code_point_bits& bits) const {
+    auto run = static_cast<std::size_t>(std::upper_bound(starts.begin(), starts.end(), first) -
+                                        starts.begin() - 1);
+    for (UChar32 c = first; c <= last; ++run) {
+      const UChar32 run_end = run + 1 < starts.size() ? starts[run + 1] - 1 : 0x10FFFF;
+      const UChar32 end = std::min(run_end, last);
+      set_folds(table, c, end, values[run], bits);
+      c = end + 1;
+    }
+  }
+};
 
 // The ranges of code points that the class matches in folded text: the folds
 // of its members that fold to one code point (or every other code point, for
 // a negated class), neighbouring ranges joined where folded text can hold
 // nothing between them.
 std::vector<code_point_range> folded_ranges(const fold_table& table, const class_set& set) {
+  const fold_runs& runs = fold_runs::of(table);
   code_point_bits folds;
   for (int32_t i = 0; i < set.members.getRangeCount(); ++i) {
-    const UChar32 last = set.members.getRangeEnd(i);
-    for (UChar32 c = set.members.getRangeStart(i); c <= last;) {
-      std::uint32_t value = 0;
-      const UChar32 end = std::min(table.fold_run(c, value), last);
-      set_folds(table, c, end, value, folds);
-      c = end + 1;
-    }
+    runs.set_folds_of(table, set.members.getRangeStart(i), set.members.getRangeEnd(i), folds);
   }
-  const code_point_bits& alphabet = folded_alphabet(table);
   const bool in = !set.negated;
   std::vector<code_point_range> ranges;
   for (UChar32 c = folds.next(0, in); c < code_point_bits::limit;) {
     const UChar32 end = folds.next(c, !in);
-    if (!ranges.empty() && !alphabet.any(ranges.back().second + 1, c - 1)) {
+    if (!ranges.empty() && !runs.alphabet.any(ranges.back().second + 1, c - 1)) {
       ranges.back().second = end - 1;
     } else {
       ranges.emplace_back(c, end - 1);
