@@ -2,6 +2,7 @@
 // are kept, groups, replacement, errors and limits.
 #include <chrono>
 #include <cstring>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -9,6 +10,7 @@
 #include <vector>
 
 #include <gtest/gtest.h>
+#include <unicode/regex.h>
 
 #include <scl/regex.h>
 
@@ -204,22 +206,38 @@ TEST(RegexReplace, AGroupThatTookNoPartGivesNothing) {
   EXPECT_EQ(regex(u"(a)|(b)").replace_all(u"ab", u"<$1$2>"), u"<a><b>");
 }
 
-// The codes ICU's appendReplacement gives.
+// The code ICU's own replaceAll gives for the same pattern and replacement.
+std::string icu_replace_error(const std::u16string& pattern, const std::u16string& replacement) {
+  UErrorCode status = U_ZERO_ERROR;
+  UParseError where;
+  const std::unique_ptr<icu::RegexPattern> compiled(icu::RegexPattern::compile(
+      icu::UnicodeString(pattern.data(), static_cast<int32_t>(pattern.size())), 0, where, status));
+  const icu::UnicodeString subject(u"a");
+  const std::unique_ptr<icu::RegexMatcher> matcher(compiled->matcher(subject, status));
+  (void)matcher->replaceAll(
+      icu::UnicodeString(replacement.data(), static_cast<int32_t>(replacement.size())), status);
+  return u_errorName(status);
+}
+
 TEST(RegexReplace, AReferenceToAMissingGroupThrowsIcusCode) {
-  const re::search_pattern pattern = regex(u"(a)");
+  const re::search_pattern pattern = regex(u"(?<g>a)");
   const std::vector<std::pair<std::u16string, std::string>> bad = {
       {u"$2", "U_INDEX_OUTOFBOUNDS_ERROR"},
       {u"${nope}", "U_REGEX_INVALID_CAPTURE_GROUP_NAME"},
       {u"$", "U_REGEX_INVALID_CAPTURE_GROUP_NAME"},
       {u"$x", "U_REGEX_INVALID_CAPTURE_GROUP_NAME"}};
   for (const auto& [replacement, code] : bad) {
+    EXPECT_EQ(icu_replace_error(u"(?<g>a)", replacement), code);
     try {
       (void)pattern.replace_all(u"a", replacement);
       ADD_FAILURE() << "accepted a bad replacement";
     } catch (const re::regex_exception& e) {
       EXPECT_EQ(e.getErrorCodeMnemonic(), code);
     }
+    // Also where nothing matches: the replacement is read first.
+    EXPECT_THROW((void)pattern.replace_all(u"zzz", replacement), re::regex_exception);
   }
+  EXPECT_EQ(pattern.replace_all(u"A", u"[${g}$1\\$]"), u"[AA$]");
   EXPECT_THROW((void)pattern.replace_all(std::string_view("a"), std::string_view("$9")),
                re::regex_exception);
 }
