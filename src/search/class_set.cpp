@@ -79,7 +79,7 @@ icu::UnicodeSet property(const std::u16string& name, bool case_insensitive) {
   return set;
 }
 
-// Reads "{...}" with the lexer's rules; `start` is the character read last.
+// Reads "{...}" with the lexer's rules: the text between the braces.
 std::u16string read_braced(pattern_lexer& lexer) {
   std::u16string name;
   const pattern_char open = lexer.next();

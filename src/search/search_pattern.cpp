@@ -115,13 +115,15 @@ std::size_t utf8_offset(std::string_view utf8, std::size_t at) {
   return static_cast<std::size_t>(byte);
 }
 
+// The error that compiling `query` gives, if any, with its offset in the
+// caller's units as `to_caller` maps a UTF-16 offset in `query`.
+template <class OffsetMap>
 std::optional<pattern_error> check_query(std::u16string_view query, query_syntax syntax,
-                                         std::string_view utf8_query = {}, bool utf8 = false) {
+                                         OffsetMap to_caller) {
   if (syntax == query_syntax::literal) return std::nullopt;  // never fails
   const compiled_query compiled = compile_query(query, syntax);
   if (!compiled.error) return std::nullopt;
-  const std::size_t offset =
-      utf8 && compiled.offset != npos ? utf8_offset(utf8_query, compiled.offset) : compiled.offset;
+  const std::size_t offset = compiled.offset == npos ? npos : to_caller(compiled.offset);
   return pattern_error{*compiled.error, offset,
                        detail::describe_pattern_error(*compiled.error, std::u16string(query),
                                                       compiled.offset, offset)};
@@ -304,13 +306,13 @@ search_pattern& search_pattern::operator=(search_pattern&&) noexcept = default;
 search_pattern::~search_pattern() = default;
 
 std::optional<pattern_error> search_pattern::check(std::u16string_view query, query_syntax syntax) {
-  return check_query(query, syntax);
+  return check_query(query, syntax, [](std::size_t at) { return at; });
 }
 
 std::optional<pattern_error> search_pattern::check(std::string_view utf8_query,
                                                    query_syntax syntax) {
-  return check_query(detail::i18n::utf8_to_ustring(std::string(utf8_query)), syntax, utf8_query,
-                     true);
+  return check_query(detail::i18n::utf8_to_ustring(std::string(utf8_query)), syntax,
+                     [utf8_query](std::size_t at) { return utf8_offset(utf8_query, at); });
 }
 
 query_syntax search_pattern::syntax() const noexcept {
