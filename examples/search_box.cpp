@@ -1,16 +1,21 @@
 // A search box: finds a word the way people type it, ignoring case, accents,
 // width and the like, and shows each line of a text where it occurs.
 //
-//   scl_regex_search_box [--brackets | --highlight] QUERY [FILE]
+//   scl_regex_search_box [--brackets | --highlight] [--regex] QUERY [FILE]
 //
 // Reads UTF-8 text from FILE, or from standard input, and prints every line
 // that has a match, with its number and each match marked in the line as it
 // was written: in bold inverse video on a terminal, between [brackets]
 // otherwise (--brackets and --highlight choose). Then the number of matches.
+// With --regex, QUERY is an ICU regular expression, folded the same way; a
+// bad one is shown with a caret under the place where it goes wrong.
 // Exits with 0 if the query was found, 1 if not, 2 on an error.
 //
 //   $ printf '\xc5\x81\xc3\xb3d\xc5\xba and Lodz\nWarsaw\n' | scl_regex_search_box lodz
 //   1: [Łódź] and [Lodz]
+//   2 matches in 1 line
+//   $ printf 'Stra\xc3\x9f\x65 and Gasse\n' | scl_regex_search_box --regex '\w*(strasse|gasse)'
+//   1: [Straße] and [Gasse]
 //   2 matches in 1 line
 //
 // Only the UTF-8 interface is used: positions are byte offsets in the line.
@@ -59,7 +64,8 @@ std::string read_all(std::istream& in) {
 }
 
 int usage() {
-  std::fputs("usage: scl_regex_search_box [--brackets | --highlight] QUERY [FILE]\n", stderr);
+  std::fputs("usage: scl_regex_search_box [--brackets | --highlight] [--regex] QUERY [FILE]\n",
+             stderr);
   return 2;
 }
 
@@ -67,6 +73,7 @@ int usage() {
 
 int main(int argc, char** argv) {
   const marks* how = isatty(STDOUT_FILENO) ? &kHighlight : &kBrackets;
+  re::query_syntax syntax = re::query_syntax::literal;
   std::vector<std::string_view> operands;
   for (int i = 1; i < argc; ++i) {
     const std::string_view arg = argv[i];
@@ -74,6 +81,8 @@ int main(int argc, char** argv) {
       how = &kBrackets;
     } else if (arg == "--highlight") {
       how = &kHighlight;
+    } else if (arg == "--regex") {
+      syntax = re::query_syntax::regex;
     } else if (arg.size() > 1 && arg[0] == '-') {
       return usage();
     } else {
@@ -81,6 +90,10 @@ int main(int argc, char** argv) {
     }
   }
   if (operands.empty() || operands.size() > 2) return usage();
+  if (const auto bad = re::search_pattern::check(operands[0], syntax)) {
+    std::fprintf(stderr, "bad query: %s\n", bad->description.c_str());
+    return 2;
+  }
 
   std::string text;
   if (operands.size() == 2) {
@@ -97,7 +110,7 @@ int main(int argc, char** argv) {
 
   try {
     // The query is folded once; each line is then searched with it.
-    const re::search_pattern query(operands[0]);
+    const re::search_pattern query(operands[0], syntax);
     std::size_t match_count = 0;
     std::size_t line_count = 0;
     std::size_t number = 0;
