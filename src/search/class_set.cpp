@@ -145,7 +145,9 @@ class set_reader {
   }
 
  private:
-  // Operators: precedence in the high half; the higher binds first.
+  // Operators: precedence in the high half; the higher binds first, and
+  // those of one level from left to right. A union of nested sets and the old
+  // "-" and "&" share a level: "[[a][b]-[ab]]" is empty.
   enum op : int {
     op_start = 0 << 16 | 1,
     op_end = 1 << 16 | 2,
@@ -154,8 +156,8 @@ class set_reader {
     op_difference2 = 3 << 16 | 4,    // "--"
     op_intersection2 = 3 << 16 | 5,  // "&&"
     op_union = 4 << 16 | 6,          // items side by side
-    op_difference1 = 5 << 16 | 7,    // "[a]-[b]"
-    op_intersection1 = 6 << 16 | 8,  // "[a]&[b]"
+    op_difference1 = 4 << 16 | 7,    // "[a]-[b]"
+    op_intersection1 = 4 << 16 | 8,  // "[a]&[b]"
   };
 
   enum class state {
@@ -257,20 +259,28 @@ class set_reader {
     }
   }
 
+  // A literal character first completes a pending union, "-" or "&", and
+  // joins the result: "[[a-c]-[b]x]" is a, c and x.
   void literal(UChar32 c) {
+    evaluate(op_union);
     top().add(c);
     last_literal_ = c;
   }
 
+  // A "-" or "&" that is no operator joins the set being read, a pending
+  // operand too ("[[a-c]-[b]-x]" has no "-"), and starts no range ("[c&-e]"
+  // is "&" and c to e).
+  void operator_char(UChar32 c) { top().add(c); }
+
+  // A range starts at the last literal character, wherever it was: neither a
+  // range, a class nor a nested set forgets it ("[a-c&-d]" is a to d).
   void range(UChar32 last) {
     if (last_literal_ >= 0 && last_literal_ <= last) top().add(last_literal_, last);
-    last_literal_ = -1;
   }
 
-  void add_set(const icu::UnicodeSet& set) {
-    top().addAll(set);
-    last_literal_ = -1;
-  }
+  // A class joins the set being read, a pending operand too: "[[0-9a]-[a]\d]"
+  // is empty.
+  void add_set(const icu::UnicodeSet& set) { top().addAll(set); }
 
   // A class inside the set: its negation is applied as ICU applies it.
   void add_member(class_set member) {
@@ -375,11 +385,11 @@ class set_reader {
           }
           break;
         case state::start_dash:
-          literal(u'-');
+          operator_char(u'-');
           state_ = state::after_lit;
           break;
         case state::start_amp:
-          literal(u'&');
+          operator_char(u'&');
           state_ = state::after_lit;
           break;
         case state::set_amp:
@@ -394,7 +404,7 @@ class set_reader {
             push_op(op_intersection2);
             state_ = state::after_op;
           } else {
-            literal(u'&');
+            operator_char(u'&');
             state_ = state::after_lit;
           }
           break;
@@ -409,7 +419,7 @@ class set_reader {
             push_op(op_difference2);
             state_ = state::after_op;
           } else {
-            literal(u'-');
+            operator_char(u'-');
             state_ = state::after_lit;
           }
           break;
@@ -419,7 +429,7 @@ class set_reader {
             push_op(op_difference2);
             state_ = state::after_op;
           } else if (c.is(u'[') || c.is(u']')) {
-            literal(u'-');
+            operator_char(u'-');
             state_ = state::after_lit;
           } else if (c.is(u'\\')) {
             current_ = lexer_.next_raw();
