@@ -2,8 +2,8 @@
 #include <optional>
 #include <vector>
 
-#include "object/match_walk.h"
 #include "icu/replacement_template.h"
+#include "object/match_walk.h"
 #include "oneshot/source_locator.h"
 #include "scl/regex/exception.h"
 #include "scl/regex/regex_impl.h"
