@@ -186,6 +186,31 @@ SEEDS = {
         "width_and_ligatures": text("usb fi") + text("")
         + units("\uff35\uff33\uff22 \ufb01 usb fi \u2122"),
     },
+    "fuzz_search_regex": {
+        "groups": text("(?<street>\\w+)stra\u00dfe (\\d+)(?:x)?") + units("Hauptstrasse 5, STRASSE 7"),
+        "optional_groups": text("(a)|(b)(c)?") + units("xbz A\u00e1"),
+        "quantified_fold": text("x\u00df+y|\ufb01{2}") + units("xssssy x\u00dfsy fifi \ufb01\ufb01"),
+        "classes": text("[\u00e9\u00df]|\\p{Lu}[a-z--[e]]|[[:upper:]]\\d")
+        + units("\u00c9 \u00df ss Ab \u00c9e E\u0661"),
+        "empty_matches": text("x*|\u0301") + units("a\u00df\u00ad e\u0301 \U0001F469\u200d\U0001F4BB"),
+        "quoted": text("\\Qa.b(\u00df)*\\E") + units("A.B(SS)* a.b(\u00df)*"),
+        "backslash_before_end": text("\\Qa\\\\E") + units("a\\ A\\"),
+        "look_around": text("(?<=\u00df)e|e(?=\u00df)|\\be\\b") + units("sse ess \u00e9 de"),
+        "back_reference": text("(?<c>\\w)\\k<c>(\\w)\\2") + units("\u00c9eAa aA\u00e1A"),
+        "flags": text("(?ix) s t r a \u00df e  # comment") + units("STRASSE stra\u00dfe"),
+        "escapes": text("caf\\u00e9|\\x{1F600}|\\N{LATIN SMALL LETTER SHARP S}|a\\cIb")
+        + units("CAFE " + GRIN + " SS a\tb"),
+        "anchors_and_dot": text("^.|.$|\\X") + units("e\u0301\nb\r\n\u00df"),
+        "mismatched_paren": text("stra\u00dfe(") + units("strasse"),
+        "bad_class": text("[z-a]\u00e9") + units("e"),
+        "bad_look_behind": text("(?<=a+)b") + units("ab"),
+        "surrogates": text(LONE_LEAD + "|" + GRIN + "+|[" + LONE_TRAIL + "]")
+        + units("x" + LONE_LEAD + GRIN + GRIN + LONE_TRAIL),
+        "thai": text("\u0e01|\u0e40") + units("\u0e40\u0e01 \u0e01\u0e33"),
+        "nul": text("a\0b|\\x00") + units("a\0b ab \0"),
+        "middle_dot": text("l+") + units("col\u00b7lecci\u00f3 L\u00b7L"),
+        "hangs_without_a_limit": text("(a?)+?b") + units("a" * 40 + "c"),
+    },
 }
 
 
