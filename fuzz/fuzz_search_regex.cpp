@@ -25,8 +25,8 @@
 //    group_count() + 1 groups, group 0 == {start, end}, and every other group
 //    is {npos, npos} or a range within the text with start <= end. found_in
 //    is whether there is a match, find_first is the first (groups included).
-// 4. "\Q" + pattern + "\E" as a regex finds what the pattern finds as a
-//    literal query (UTF-16 and UTF-8 text). Skipped when the pattern holds
+// 4. "\Q" + pattern + "\E" as a regex, alone and in a group, finds what the
+//    pattern finds as a literal query (UTF-16 and UTF-8 text). Skipped when the pattern holds
 //    "\E", and when it folds to nothing: the literal query then finds
 //    nothing, while the regex matches the empty string.
 // 5. replace_all(text, "<$0>") is the text with each match m replaced by
@@ -331,15 +331,20 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   // Property 4.
   if (pattern.find(u"\\E") == std::u16string::npos && !re::search_fold(pattern).text().empty()) {
     const re::search_pattern literal(pattern);
-    std::optional<re::search_pattern> quoted;
-    try {
-      quoted.emplace(u"\\Q" + pattern + u"\\E", kRegex);
-    } catch (const re::regex_exception& e) {
-      std::fprintf(stderr, "quoted pattern rejected: %s\n", e.getErrorCodeMnemonic().c_str());
+    const std::u16string quoted_text = u"\\Q" + pattern + u"\\E";
+    // As written (searched as the literal it is), and in a group (which ICU
+    // searches).
+    for (const std::u16string& form : {quoted_text, u"(?:" + quoted_text + u")"}) {
+      std::optional<re::search_pattern> quoted;
+      try {
+        quoted.emplace(form, kRegex);
+      } catch (const re::regex_exception& e) {
+        std::fprintf(stderr, "quoted pattern rejected: %s\n", e.getErrorCodeMnemonic().c_str());
+      }
+      FUZZ_CHECK(quoted.has_value() && quoted->group_count() == 0);
+      check_quoted(*quoted, literal, text);
+      check_quoted(*quoted, literal, utf8);
     }
-    FUZZ_CHECK(quoted.has_value() && quoted->group_count() == 0);
-    check_quoted(*quoted, literal, text);
-    check_quoted(*quoted, literal, utf8);
   }
 
   const std::optional<re::search_pattern> regex = compiled(pattern);

@@ -381,3 +381,44 @@ TEST(ReadmeExample, GivesWhatItSays) {
 }
 
 }  // namespace
+
+namespace {
+
+// Lone surrogates stay lone when the characters between them fold to nothing.
+TEST(RegexLoneSurrogates, ThatMeetInFoldedTextStayTwo) {
+  const std::u16string text(u"\xD800\u0301\xDC00", 3);
+  EXPECT_EQ(find(u".", text), ranges({{0, 2}, {2, 3}}));
+  EXPECT_EQ(find(u"\\x{DC00}", text), ranges({{2, 3}}));
+  EXPECT_EQ(find(u"\\x{D800}", text), ranges({{0, 2}}));
+  EXPECT_EQ(find(std::u16string(u"\\Q\xDC00\\E", 5), text), ranges({{2, 3}}));
+  EXPECT_EQ(find(std::u16string(u"(?:\\Q\xDC00\\E)", 9), text), ranges({{2, 3}}));
+  EXPECT_EQ(find(u"\\p{Cs}", text), ranges({{0, 2}, {2, 3}}));
+  EXPECT_EQ(find(u"[^\\p{Cs}]", text), ranges());
+  EXPECT_EQ(find(u"\\x{10000}", text), ranges());
+  EXPECT_EQ(find(re::search_pattern(u"\U00010000"), text), ranges());
+  EXPECT_EQ(find(re::search_pattern(std::u16string(u"\xDC00", 1)), text), ranges({{2, 3}}));
+  // A real pair is one character.
+  EXPECT_EQ(find(u".", u"\U00010000a"), ranges({{0, 2}, {2, 3}}));
+  EXPECT_EQ(find(u"\\x{10000}", u"\U00010000"), ranges({{0, 2}}));
+  EXPECT_EQ(find(re::search_pattern(u"\U00010000"), std::u16string_view(u"x\U00010000")),
+            ranges({{1, 3}}));
+}
+
+// ICU reads the brace after \p, \P and \N quoted or not.
+TEST(RegexSyntax, QuotedBracesAfterPropertyAndNameEscapes) {
+  EXPECT_FALSE(re::search_pattern::check(u"\\p\\Q{L}\\E", kRegex).has_value());
+  EXPECT_EQ(find(u"\\p\\Q{L}\\E", u"a1"), ranges({{0, 1}}));
+  EXPECT_EQ(find(u"[\\p\\Q{L}\\E]", u"a1"), ranges({{0, 1}}));
+  EXPECT_EQ(find(u"\\P\\Q{L}", u"a1"), ranges({{1, 2}}));
+  EXPECT_EQ(find(u"\\N\\Q{LATIN SMALL LETTER A}", u"bA"), ranges({{1, 2}}));
+}
+
+// A comment is not there: a quantifier after it applies to what came before.
+TEST(RegexSyntax, AQuantifierAfterACommentAppliesToTheLiteralBeforeIt) {
+  EXPECT_EQ(find(u"ab(?#c)+", u"abbb"), ranges({{0, 4}}));
+  EXPECT_EQ(find(u"x\u00df(?#c)+", u"xssss"), ranges({{0, 5}}));
+  EXPECT_FALSE(re::search_pattern::check(u"\u0301(?#c)*", kRegex).has_value());
+  EXPECT_EQ(find(u"a\u00ad(?#c)+b", u"ab"), ranges({{0, 2}}));
+}
+
+}  // namespace

@@ -79,12 +79,13 @@ icu::UnicodeSet property(const std::u16string& name, bool case_insensitive) {
   return set;
 }
 
-// Reads "{...}" with the lexer's rules: the text between the braces.
+// Reads "{...}" with the lexer's rules: the text between the braces. As in
+// ICU, a brace counts quoted or not ("\p\Q{L}\E" is "\p{L}").
 std::u16string read_braced(pattern_lexer& lexer) {
   std::u16string name;
   const pattern_char open = lexer.next();
-  if (!open.is(u'{')) return name;
-  for (pattern_char c = lexer.next(); c.c >= 0 && !c.is(u'}'); c = lexer.next()) {
+  if (open.c != u'{') return name;
+  for (pattern_char c = lexer.next(); c.c >= 0 && c.c != u'}'; c = lexer.next()) {
     append_code_point(name, c.c);
   }
   return name;

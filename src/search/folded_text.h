@@ -16,6 +16,8 @@
 #include <type_traits>
 #include <vector>
 
+#include <unicode/utf16.h>
+
 #include "search/fold_table.h"
 
 namespace scl::regex::detail {
@@ -75,6 +77,13 @@ struct folded_text {
   bool ends_piece(int32_t end) const { return end == size || origin[end] != origin[end - 1]; }
   // The source end of the piece that folded unit `end - 1` belongs to.
   int32_t piece_end(int32_t end) const;
+
+  // Whether units `at - 1` and `at` (0 < at < size) read as a surrogate pair
+  // although they are lone surrogates of two pieces (the characters between
+  // them folded to nothing).
+  bool false_pair(int32_t at) const {
+    return U16_IS_TRAIL(units[at]) && U16_IS_LEAD(units[at - 1]) && origin[at] != origin[at - 1];
+  }
 
   // Room for `more` units past size.
   void reserve_more(int32_t more) {

@@ -1,5 +1,6 @@
 #include "search/literal_search.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "scl/regex/exception.h"
@@ -27,6 +28,11 @@ class literal_finder {
     // The last place a match can start: it must end before the units that may
     // still change.
     const int32_t last_start = last ? folded_.size - length : final_units - 1 - length;
+    // A query with a surrogate pair must not match two lone surrogates that
+    // only meet in the folded text.
+    const bool has_pair = std::find_if(query.begin(), query.end(), [](char16_t unit) {
+                            return U16_IS_TRAIL(unit);
+                          }) != query.end();
     int rejections = 0;
     for (; from <= last_start && out.size() < limit;) {
       const char16_t* hit = length >= 2
@@ -38,7 +44,7 @@ class literal_finder {
       source_span span{};
       if ((length <= 2 ||
            std::memcmp(hit + 2, query.data() + 2, static_cast<std::size_t>(length - 2) * 2) == 0) &&
-          rules_.accepts(start, end, span)) {
+          rules_.accepts(start, end, span) && !(has_pair && holds_false_pair(start, end))) {
         out.push_back(span);
         from = end;
       } else {
@@ -55,6 +61,13 @@ class literal_finder {
   }
 
  private:
+  bool holds_false_pair(int32_t start, int32_t end) const {
+    for (int32_t at = start + 1; at < end; ++at) {
+      if (folded_.false_pair(at)) return true;
+    }
+    return false;
+  }
+
   match_rules<Unit> rules_;
   const folded_text& folded_;
 };

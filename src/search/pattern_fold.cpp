@@ -8,6 +8,7 @@
 #include "search/code_points.h"
 #include "search/folded_text.h"
 #include "search/pattern_lexer.h"
+#include "search/surrogate_stand_in.h"
 
 namespace scl::regex::detail {
 namespace {
@@ -68,6 +69,10 @@ class code_point_bits {
       from = (from & ~63) + 64;
     }
     return limit;
+  }
+
+  void clear(UChar32 c) {
+    words_[static_cast<std::size_t>(c >> 6)] &= ~(std::uint64_t{1} << (c & 63));
   }
 
   // Whether any bit of [first, last] is set.
@@ -166,6 +171,11 @@ std::vector<code_point_range> folded_ranges(const fold_table& table, const class
   for (int32_t i = 0; i < set.members.getRangeCount(); ++i) {
     runs.set_folds_of(table, set.members.getRangeStart(i), set.members.getRangeEnd(i), folds);
   }
+  // Lone surrogates are matched as their stand-ins.
+  for (UChar32 c = folds.next(0xD800, true); c <= 0xDFFF; c = folds.next(c + 1, true)) {
+    folds.clear(c);
+    folds.set(surrogate_stand_in(c), surrogate_stand_in(c));
+  }
   const bool in = !set.negated;
   std::vector<code_point_range> ranges;
   for (UChar32 c = folds.next(0, in); c < code_point_bits::limit;) {
@@ -205,6 +215,7 @@ class pattern_folder {
           emit_class(read_bracket_set(lexer_, scopes_.back().case_insensitive), c.start);
           break;
         case u'(':
+          if (skip_comment()) break;  // a comment is not there: a run goes on
           flush(false);
           open_group(c);
           break;
@@ -239,7 +250,13 @@ class pattern_folder {
     flush(false);
     out_.origin.push_back(static_cast<int32_t>(pattern_.size()));
     out_.literal = only_literals_;
-    if (top_level_alternation_) out_.prefix.clear();
+    // A prefix with surrogates is not used: the text's lone ones are shown
+    // to ICU as stand-ins, and the prefix is looked for in that text.
+    if (top_level_alternation_ ||
+        std::any_of(out_.prefix.begin(), out_.prefix.end(),
+                    [](char16_t unit) { return U16_IS_SURROGATE(unit); })) {
+      out_.prefix.clear();
+    }
     return std::move(out_);
   }
 
@@ -269,6 +286,7 @@ class pattern_folder {
   }
 
   void emit_code_point(UChar32 c, int32_t origin) {
+    if (U_IS_SURROGATE(c)) c = surrogate_stand_in(c);
     std::u16string text;
     // A digit right after a back reference would become part of its number.
     if (stands_for_itself(c) && !(after_back_reference_ && is_ascii_digit(c))) {
@@ -338,6 +356,11 @@ class pattern_folder {
   void emit_units(const folded_text& folded, int32_t from, int32_t to) {
     for (int32_t at = from; at < to;) {
       const int32_t origin = run_origin_[static_cast<std::size_t>(folded.origin[at])];
+      if (at + 1 < to && folded.false_pair(at + 1)) {  // two lone surrogates
+        emit_code_point(folded.units[at], origin);
+        ++at;
+        continue;
+      }
       emit_code_point(next_code_point(folded.units.data(), at, to), origin);
     }
   }
@@ -372,6 +395,18 @@ class pattern_folder {
     }
   }
 
+  // Skips "(?#...)" after its "(", if that is what follows.
+  bool skip_comment() {
+    const pattern_lexer::mark saved = lexer_.save();
+    if (lexer_.next_raw().c == u'?' && lexer_.next_raw().c == u'#') {
+      for (pattern_char c = lexer_.next_raw(); c.c >= 0 && c.c != u')'; c = lexer_.next_raw()) {
+      }
+      return true;
+    }
+    lexer_.restore(saved);
+    return false;
+  }
+
   void open_group(const pattern_char& paren) {
     flags inner = scopes_.back();
     if (lexer_.peek_raw() != u'?') {
@@ -381,11 +416,6 @@ class pattern_folder {
     }
     lexer_.next_raw();
     const UChar32 kind = lexer_.peek_raw();
-    if (kind == u'#') {  // a comment: dropped
-      for (pattern_char c = lexer_.next_raw(); c.c >= 0 && c.c != u')'; c = lexer_.next_raw()) {
-      }
-      return;
-    }
     if (kind == u'<') {
       lexer_.next_raw();
       const UChar32 after = lexer_.peek_raw();

@@ -3,6 +3,7 @@
 #include <memory>
 
 #include <unicode/utext.h>
+#include <unicode/utf16.h>
 
 #include "icu/matcher.h"
 #include "scl/regex/exception.h"
@@ -24,15 +25,32 @@ struct utext_closer {
   ~utext_closer() { utext_close(text); }
 };
 
+// Turns every lone surrogate of `folded` into its stand-in.
+void conceal_lone_surrogates(folded_text& folded) {
+  char16_t* units = folded.units.data();
+  const char16_t* end = units + folded.size;
+  for (auto at = static_cast<int32_t>(find_surrogate(units, end) - units); at < folded.size;
+       at = static_cast<int32_t>(find_surrogate(units + at + 1, end) - units)) {
+    const char16_t unit = units[at];
+    if (U16_IS_LEAD(unit) && at + 1 < folded.size && U16_IS_TRAIL(units[at + 1]) &&
+        !folded.false_pair(at + 1)) {
+      ++at;  // a pair
+      continue;
+    }
+    units[at] = static_cast<char16_t>(surrogate_stand_in(unit));
+  }
+}
+
 template <class Unit>
 void find(const fold_table& table, const icu::RegexPattern& pattern, std::u16string_view prefix,
-          const Unit* source, const folded_text& folded, std::size_t limit, regex_matches& out) {
+          const Unit* source, folded_text& folded, std::size_t limit, regex_matches& out) {
   UErrorCode status = U_ZERO_ERROR;
   const std::unique_ptr<icu::RegexMatcher> matcher = new_matcher(pattern, status);
   throw_if_failed(status);
   const int32_t groups = matcher->groupCount();
   out.per_match = static_cast<std::size_t>(groups) + 1;
 
+  conceal_lone_surrogates(folded);
   // The matcher reads the folded units where they are.
   UText text = UTEXT_INITIALIZER;
   utext_openUChars(&text, folded.units.data(), folded.size, &status);
@@ -92,13 +110,13 @@ void find(const fold_table& table, const icu::RegexPattern& pattern, std::u16str
 }  // namespace
 
 void find_regex(const fold_table& table, const icu::RegexPattern& pattern,
-                std::u16string_view prefix, const char16_t* source, const folded_text& folded,
+                std::u16string_view prefix, const char16_t* source, folded_text& folded,
                 std::size_t limit, regex_matches& out) {
   find(table, pattern, prefix, source, folded, limit, out);
 }
 
 void find_regex(const fold_table& table, const icu::RegexPattern& pattern,
-                std::u16string_view prefix, const char* source, const folded_text& folded,
+                std::u16string_view prefix, const char* source, folded_text& folded,
                 std::size_t limit, regex_matches& out) {
   find(table, pattern, prefix, source, folded, limit, out);
 }

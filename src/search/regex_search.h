@@ -13,6 +13,7 @@
 #include "search/fold_table.h"
 #include "search/folded_text.h"
 #include "search/match_rules.h"
+#include "search/surrogate_stand_in.h"
 
 namespace scl::regex::detail {
 
@@ -27,17 +28,16 @@ struct regex_matches {
 };
 
 // Appends to `out` the matches of `pattern` in `source`, folded (whole) as
-// `folded`, in order and without overlap, until `out` holds `limit` of them.
-// `prefix`, if not empty, is folded text that every match starts with: ICU
-// is asked to search only from where it occurs.
-// ICU's matches that break the rules are skipped, and the search goes on
-// from the next piece. Throws regex_exception: U_REGEX_TIME_OUT when the
+// `folded` (whose lone surrogates this turns into stand-ins), in order and without overlap, until
+// `out` holds `limit` of them. `prefix`, if not empty, is folded text that every match starts with:
+// ICU is asked to search only from where it occurs. ICU's matches that break the rules are skipped,
+// and the search goes on from the next piece. Throws regex_exception: U_REGEX_TIME_OUT when the
 // calling thread's match_time_limit stops the search, or ICU's code.
 void find_regex(const fold_table& table, const icu::RegexPattern& pattern,
-                std::u16string_view prefix, const char16_t* source, const folded_text& folded,
+                std::u16string_view prefix, const char16_t* source, folded_text& folded,
                 std::size_t limit, regex_matches& out);
 void find_regex(const fold_table& table, const icu::RegexPattern& pattern,
-                std::u16string_view prefix, const char* source, const folded_text& folded,
+                std::u16string_view prefix, const char* source, folded_text& folded,
                 std::size_t limit, regex_matches& out);
 
 }  // namespace scl::regex::detail

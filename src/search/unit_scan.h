@@ -48,6 +48,23 @@ inline const char16_t* find_unit(const char16_t* from, const char16_t* last, cha
   return nullptr;
 }
 
+// The first position in [from, last) holding a surrogate, or `last`.
+inline const char16_t* find_surrogate(const char16_t* from, const char16_t* last) {
+#if defined(__SSE2__)
+  const __m128i mask = _mm_set1_epi16(static_cast<short>(0xF800));
+  const __m128i surrogate = _mm_set1_epi16(static_cast<short>(0xD800));
+  for (; from + 8 <= last; from += 8) {
+    const __m128i here = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
+    const int found = _mm_movemask_epi8(_mm_cmpeq_epi16(_mm_and_si128(here, mask), surrogate));
+    if (found != 0) return from + (__builtin_ctz(static_cast<unsigned>(found)) >> 1);
+  }
+#endif
+  for (; from < last; ++from) {
+    if ((*from & 0xF800) == 0xD800) return from;
+  }
+  return last;
+}
+
 // The first position in [from, last) where `needle` (not empty) starts and
 // ends before `end` (last <= end), or nullptr.
 inline const char16_t* find_units(const char16_t* from, const char16_t* last, const char16_t* end,

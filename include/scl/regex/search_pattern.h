@@ -116,6 +116,8 @@
 // nothing, which as a literal finds nothing and as a regex matches the empty
 // string. Each group is the range of the caller's text its folded units came
 // from, widened to whole pieces; {npos, npos} for a group that took no part.
+// A lone surrogate is one character to a regex, also where the characters
+// between it and another one fold to nothing ("." matches each alone).
 //
 // Thread safety: a search_pattern is immutable after construction; any number
 // of threads may search with one object, or with copies of it, at once.
