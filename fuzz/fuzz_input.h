@@ -35,6 +35,8 @@
 #include <unicode/regex.h>
 #include <unicode/unistr.h>
 #include <unicode/uregex.h>
+#include <unicode/ustring.h>
+#include <unicode/utf16.h>
 
 // Stops the fuzzer (a crash with this message) when a property does not hold.
 #define FUZZ_CHECK(condition) \
@@ -57,6 +59,30 @@ constexpr int kReject = -1;
 
 // `text` up to its first U+0000.
 inline std::u16string cut(const std::u16string& text) { return text.substr(0, text.find(u'\0')); }
+
+// `text` with each lone surrogate replaced by U+FFFD.
+inline std::u16string lone_surrogates_replaced(std::u16string text) {
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (U16_IS_LEAD(text[i]) && i + 1 < text.size() && U16_IS_TRAIL(text[i + 1])) {
+      ++i;
+    } else if (U16_IS_SURROGATE(text[i])) {
+      text[i] = 0xFFFD;
+    }
+  }
+  return text;
+}
+
+// `text` in UTF-8, each lone surrogate written as U+FFFD.
+inline std::string to_utf8(const std::u16string& text) {
+  std::string out(text.size() * 3, '\0');
+  int32_t length = 0;
+  UErrorCode status = U_ZERO_ERROR;
+  u_strToUTF8WithSub(out.data(), static_cast<int32_t>(out.size()), &length, text.data(),
+                     static_cast<int32_t>(text.size()), 0xFFFD, nullptr, &status);
+  FUZZ_CHECK(U_SUCCESS(status));
+  out.resize(static_cast<std::size_t>(length));
+  return out;
+}
 
 class input {
  public:

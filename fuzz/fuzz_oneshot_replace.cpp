@@ -65,17 +65,6 @@ std::u16string from_utf8(const std::string& bytes) {
   return fuzz::cut(out);
 }
 
-std::string to_utf8(const std::u16string& text) {
-  std::string out(text.size() * 3, '\0');
-  int32_t length = 0;
-  UErrorCode status = U_ZERO_ERROR;
-  u_strToUTF8WithSub(out.data(), static_cast<int32_t>(out.size()), &length, text.data(),
-                     static_cast<int32_t>(text.size()), 0xFFFD, nullptr, &status);
-  FUZZ_CHECK(U_SUCCESS(status));
-  out.resize(static_cast<std::size_t>(length));
-  return out;
-}
-
 bool valid_utf8(const std::string& bytes) {
   const auto* s = reinterpret_cast<const std::uint8_t*>(bytes.data());
   const auto length = static_cast<int32_t>(bytes.size());
@@ -112,14 +101,14 @@ void check_utf8(const std::string& subject, const std::string& pattern,
                                     options, which::all);
   if (expected) {
     FUZZ_CHECK(valid_utf8(result));
-    FUZZ_CHECK(result == to_utf8(fuzz::cut(*expected)));
+    FUZZ_CHECK(result == fuzz::to_utf8(fuzz::cut(*expected)));
   } else {
     FUZZ_CHECK(result == subject);
   }
   const std::string same = re::regex_replace(subject, pattern, std::string("$0"), options);
   const bool works =
       icu_replace(from_utf8(subject), from_utf8(pattern), u"$0", options, which::all).has_value();
-  FUZZ_CHECK(same == (works ? to_utf8(from_utf8(subject)) : subject));
+  FUZZ_CHECK(same == (works ? fuzz::to_utf8(from_utf8(subject)) : subject));
 }
 
 void check_preserving(const std::u16string& subject, const std::u16string& pattern,

@@ -103,29 +103,6 @@ void check_grapheme_starts(const std::u16string& text, const ranges& found) {
     FUZZ_CHECK(ubrk_isBoundary(characters.get(), static_cast<int32_t>(range.first)));
 }
 
-std::u16string lone_surrogates_replaced(std::u16string text) {
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    if (U16_IS_LEAD(text[i]) && i + 1 < text.size() && U16_IS_TRAIL(text[i + 1])) {
-      ++i;
-    } else if (U16_IS_SURROGATE(text[i])) {
-      text[i] = 0xFFFD;
-    }
-  }
-  return text;
-}
-
-// `text`, without lone surrogates, in UTF-8.
-std::string to_utf8(const std::u16string& text) {
-  std::string out(text.size() * 3, '\0');
-  int32_t length = 0;
-  UErrorCode status = U_ZERO_ERROR;
-  u_strToUTF8(out.data(), static_cast<int32_t>(out.size()), &length, text.data(),
-              static_cast<int32_t>(text.size()), &status);
-  FUZZ_CHECK(U_SUCCESS(status));
-  out.resize(static_cast<std::size_t>(length));
-  return out;
-}
-
 // Bytes read as UTF-8, as the library reads them: each ill-formed sequence
 // (maximal subpart) is U+FFFD. `unit_of_byte[b]` is the UTF-16 offset of the
 // character that starts at byte b (kNone inside a character), up to the end.
@@ -211,16 +188,16 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   FUZZ_CHECK(whole.first <= whole.second && whole.second <= text.size());
 
   // Property 5: the text in UTF-8, with U+FFFD for its lone surrogates.
-  const std::u16string well_formed = lone_surrogates_replaced(text);
-  const std::string utf8_replacement = to_utf8(lone_surrogates_replaced(replacement));
-  check_utf8(pattern, to_utf8(well_formed), utf8_replacement);
+  const std::u16string well_formed = fuzz::lone_surrogates_replaced(text);
+  const std::string utf8_replacement = fuzz::to_utf8(replacement);
+  check_utf8(pattern, fuzz::to_utf8(well_formed), utf8_replacement);
 
   // The input's own bytes as UTF-8, whatever they are.
   check_utf8(pattern, text_bytes, utf8_replacement);
 
   // A UTF-8 query (the query's own bytes, and the query in UTF-8) is its
   // UTF-16 form, each ill-formed sequence read as U+FFFD.
-  for (const std::string& utf8_query : {query_bytes, to_utf8(lone_surrogates_replaced(query))}) {
+  for (const std::string& utf8_query : {query_bytes, fuzz::to_utf8(query)}) {
     const re::search_pattern from_utf8(utf8_query);
     const re::search_pattern from_utf16(decode(utf8_query).text);
     FUZZ_CHECK(!re::search_pattern::check(utf8_query, re::query_syntax::literal).has_value());

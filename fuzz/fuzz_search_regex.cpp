@@ -159,29 +159,6 @@ std::optional<std::vector<re::source_match>> search(const re::search_pattern& pa
   return found;
 }
 
-std::u16string lone_surrogates_replaced(std::u16string text) {
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    if (U16_IS_LEAD(text[i]) && i + 1 < text.size() && U16_IS_TRAIL(text[i + 1])) {
-      ++i;
-    } else if (U16_IS_SURROGATE(text[i])) {
-      text[i] = 0xFFFD;
-    }
-  }
-  return text;
-}
-
-// `text`, without lone surrogates, in UTF-8.
-std::string to_utf8(const std::u16string& text) {
-  std::string out(text.size() * 3, '\0');
-  int32_t length = 0;
-  UErrorCode status = U_ZERO_ERROR;
-  u_strToUTF8(out.data(), static_cast<int32_t>(out.size()), &length, text.data(),
-              static_cast<int32_t>(text.size()), &status);
-  FUZZ_CHECK(U_SUCCESS(status));
-  out.resize(static_cast<std::size_t>(length));
-  return out;
-}
-
 // For each byte offset of the UTF-8 form of `text` (without lone surrogates),
 // the UTF-16 offset of the character that starts there (kNone inside one), up
 // to the end.
@@ -325,8 +302,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   fuzz::input in(data, size);
   const std::u16string pattern = in.text(kMaxQuery);
   const std::u16string text = in.rest(kMaxText);
-  const std::u16string well_formed = lone_surrogates_replaced(text);
-  const std::string utf8 = to_utf8(well_formed);
+  const std::u16string well_formed = fuzz::lone_surrogates_replaced(text);
+  const std::string utf8 = fuzz::to_utf8(well_formed);
 
   // Property 4.
   if (pattern.find(u"\\E") == std::u16string::npos && !re::search_fold(pattern).text().empty()) {
