@@ -11,6 +11,8 @@
 
 #include <gtest/gtest.h>
 #include <unicode/regex.h>
+#include <unicode/unistr.h>
+#include <unicode/utf16.h>
 
 #include <scl/regex.h>
 
@@ -47,10 +49,34 @@ void PrintTo(const example& e, std::ostream* os) {
 
 class RegexExamples : public ::testing::TestWithParam<example> {};
 
+std::string utf8(std::u16string_view text) {
+  std::string out;
+  icu::UnicodeString(text.data(), static_cast<int32_t>(text.size())).toUTF8String(out);
+  return out;
+}
+
+// `bytes`, ranges of utf8(text), as UTF-16 offsets in `text`.
+ranges in_utf16(const ranges& bytes, std::u16string_view text) {
+  std::vector<std::size_t> unit_of_byte;
+  for (std::size_t unit = 0; unit < text.size();) {
+    const std::size_t next = unit + (U16_IS_LEAD(text[unit]) ? 2 : 1);
+    unit_of_byte.resize(utf8(text.substr(0, next)).size(), unit);
+    unit = next;
+  }
+  unit_of_byte.push_back(text.size());
+  ranges out;
+  for (const auto& [start, end] : bytes) out.emplace_back(unit_of_byte[start], unit_of_byte[end]);
+  return out;
+}
+
 TEST_P(RegexExamples, FindExactlyTheseSourceRanges) {
   const example& e = GetParam();
   EXPECT_EQ(find(e.query, e.text), e.expected);
-  // The UTF-8 forms agree where the text is ASCII.
+  // The same in UTF-8: the query, the text, or both.
+  const re::search_pattern utf8_query(utf8(e.query), kRegex);
+  EXPECT_EQ(find(utf8_query, e.text), e.expected);
+  EXPECT_EQ(in_utf16(find(regex(e.query), utf8(e.text)), e.text), e.expected);
+  EXPECT_EQ(in_utf16(find(utf8_query, utf8(e.text)), e.text), e.expected);
 }
 
 // Literal characters fold as text does, whichever way they are written.
