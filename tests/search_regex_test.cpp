@@ -130,6 +130,7 @@ INSTANTIATE_TEST_SUITE_P(
         example{u"\\D", u"\u0661a", {{1, 2}}}, example{u"\\w+", u"Stra\u00dfe!", {{0, 6}}},
         example{u"\\W", u"\u00e9!", {{1, 2}}}, example{u"\\s", u"a\u00a0b", {{1, 2}}},
         example{u"\\h", u"a\u3000b", {{1, 2}}}, example{u"\\v", u"a\u2028b", {{1, 2}}},
+        example{u"\\H", u"\u3000b", {{1, 2}}}, example{u"\\V+", u"\u2028ab\n", {{1, 3}}},
         example{u"\\S+", u"\u00e9t\u00e9 x", {{0, 3}, {4, 5}}},
         // A member that folds to several characters, or to none, is left out.
         example{u"[\u00df]", u"\u00df ss", {}}, example{u"[\u00ad]", u"a\u00adb", {}},
