@@ -210,6 +210,20 @@ SEEDS = {
         "nul": text("a\0b|\\x00") + units("a\0b ab \0"),
         "middle_dot": text("l+") + units("col\u00b7lecci\u00f3 L\u00b7L"),
         "hangs_without_a_limit": text("(a?)+?b") + units("a" * 40 + "c"),
+        # Free spacing between "(", "?" and the kind of group, and a comment before a quantifier.
+        "free_spacing_groups": text("(?x)( ?:a) (? =\u00df) (?< =b)\u00df #c\n+")
+        + units("ass bss"),
+        # Letters after a backslash that ICU reads as themselves.
+        "letter_escapes": text("\\K\\T+\\y|\\C") + units("K k tT y c"),
+        # \G after a leading literal.
+        "prefix_and_g": text("x(?<=\\G.)") + units("xxx"),
+        # Word boundaries and grapheme clusters next to a lone surrogate.
+        "surrogate_boundaries": text("a\\b|\\B\\X") + units("a" + LONE_LEAD + "\u1161 a"),
+        # Lone surrogates that meet in the folded pattern, in a group.
+        "false_pair_in_group": text("(?:" + LONE_LEAD + "\u0301" + LONE_TRAIL + ")")
+        + units(LONE_LEAD + "\u0301" + LONE_TRAIL + " \U00010000"),
+        "nested_negation": text("[^[^a-c]]|[[:^alpha:]&&\\p{ASCII}]|[\\W]") + units("abcd1 !"),
+        "octal_and_control": text("\\0101\\0377\\cA\\c@(a)\\1\\0060") + units("A\u00ff\u0001\0aa0"),
     },
 }
 
