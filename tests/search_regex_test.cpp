@@ -449,3 +449,60 @@ TEST(RegexSyntax, AQuantifierAfterACommentAppliesToTheLiteralBeforeIt) {
 }
 
 }  // namespace
+
+namespace {
+
+// Lone surrogates that meet only once the query is folded are two characters
+// too, in every form of the query.
+TEST(RegexLoneSurrogates, ThatMeetInTheFoldedQueryStayTwo) {
+  const std::u16string apart(u"\xD83D\u007F\xDC69", 3);
+  const std::u16string pair(u"\U0001F469");
+  for (const re::search_pattern& pattern :
+       {re::search_pattern(apart), regex(apart), regex(u"\\Q" + apart + u"\\E"),
+        regex(u"(?:" + apart + u")")}) {
+    EXPECT_EQ(find(pattern, pair), ranges());
+    EXPECT_EQ(find(pattern, apart), ranges({{0, 3}}));
+  }
+  for (const re::search_pattern& pattern : {re::search_pattern(pair), regex(pair)}) {
+    EXPECT_EQ(find(pattern, pair), ranges({{0, 2}}));
+    EXPECT_EQ(find(pattern, apart), ranges());
+  }
+}
+
+// A lone surrogate is seen as one: boundaries and clusters around it are ICU's.
+TEST(RegexLoneSurrogates, BoundariesAndClustersAroundThemAreIcus) {
+  EXPECT_EQ(find(u"a\\b", std::u16string(u"a\xD800", 2)), ranges({{0, 1}}));
+  EXPECT_EQ(find(u"a\\B", std::u16string(u"a\xD800", 2)), ranges());
+  EXPECT_EQ(find(u"\\X", std::u16string(u"\xD800\u1161", 2)), ranges({{0, 1}, {1, 2}}));
+}
+
+TEST(RegexSyntax, FreeSpacingInsideGroupOpenings) {
+  EXPECT_EQ(find(u"(?x)( ?:a)b", u"ab"), ranges({{0, 2}}));
+  EXPECT_EQ(find(u"(?x)( ?#comment)a", u"a"), ranges({{0, 1}}));
+  EXPECT_EQ(find(u"(?x)(? =\u00df)ss", u"ss"), ranges({{0, 2}}));
+  EXPECT_EQ(find(u"(?x)(?< =x)\u00df", u"xss"), ranges({{1, 3}}));
+  EXPECT_EQ(find(u"(?x)(? !\u00df)s", u"ss"), ranges({{1, 2}}));
+  EXPECT_EQ(regex(u"(?x)(? <n>\u00df)").group_number("n"), 1);
+  EXPECT_EQ(find(u"(?x)(? <n>\u00df)", u"ss"), ranges({{0, 2}}));
+  EXPECT_EQ(find(u"(?x)a{2#}\n}", u"aa"), ranges({{0, 2}}));
+}
+
+TEST(RegexSyntax, AnEscapedLetterWithoutMeaningIsThatLetter) {
+  EXPECT_EQ(find(u"\\K", u"K k"), ranges({{0, 1}, {2, 3}}));
+  EXPECT_EQ(find(u"\\E\\y", u"ey"), ranges({{0, 2}}));
+}
+
+TEST(RegexSyntax, BackslashGSeesTheEndOfThePreviousMatch) {
+  EXPECT_EQ(find(u"x(?<=\\G.)", u"xxx"), ranges({{0, 1}, {1, 2}, {2, 3}}));
+  EXPECT_EQ(find(u"\\Gx", u"xxax"), ranges({{0, 1}, {1, 2}}));
+}
+
+// A quantifier applies to the fold of the character before it, after NFC.
+TEST(RegexQuantifiers, ApplyToTheLastCharactersFold) {
+  EXPECT_EQ(find(u"q\u0301+", u"qqq"), ranges({{0, 1}, {1, 2}, {2, 3}}));
+  EXPECT_EQ(find(u"q\u0301{2}", u"qq"), ranges({{0, 1}, {1, 2}}));
+  EXPECT_EQ(find(u"l\u00b7+", u"ll"), ranges({{0, 1}, {1, 2}}));
+  EXPECT_EQ(find(u"e\u0301+", u"\u00e9e"), ranges({{0, 2}}));  // NFC: one character
+}
+
+}  // namespace

@@ -21,18 +21,20 @@ class literal_finder {
   literal_finder(const fold_table& table, const Unit* source, const folded_text& folded)
       : rules_(table, source, folded), folded_(folded) {}
 
-  int32_t run(std::u16string_view query, int32_t from, int32_t final_units, bool last,
+  int32_t run(const literal_query& literal, int32_t from, int32_t final_units, bool last,
               std::size_t limit, std::vector<source_span>& out) const {
+    const std::u16string_view query = literal.units;
     const char16_t* text = folded_.units.data();
     const auto length = static_cast<int32_t>(query.size());
     // The last place a match can start: it must end before the units that may
     // still change.
     const int32_t last_start = last ? folded_.size - length : final_units - 1 - length;
-    // A query with a surrogate pair must not match two lone surrogates that
-    // only meet in the folded text.
-    const bool has_pair = std::find_if(query.begin(), query.end(), [](char16_t unit) {
-                            return U16_IS_TRAIL(unit);
-                          }) != query.end();
+    // Where the query has a lead surrogate before a trail surrogate, the text
+    // must have the same kind of meeting: one character, or two.
+    std::vector<int32_t> meetings;
+    for (int32_t at = 1; at < length; ++at) {
+      if (U16_IS_LEAD(query[at - 1]) && U16_IS_TRAIL(query[at])) meetings.push_back(at);
+    }
     int rejections = 0;
     for (; from <= last_start && out.size() < limit;) {
       const char16_t* hit = length >= 2
@@ -44,7 +46,7 @@ class literal_finder {
       source_span span{};
       if ((length <= 2 ||
            std::memcmp(hit + 2, query.data() + 2, static_cast<std::size_t>(length - 2) * 2) == 0) &&
-          rules_.accepts(start, end, span) && !(has_pair && holds_false_pair(start, end))) {
+          rules_.accepts(start, end, span) && pairs_agree(literal, meetings, start)) {
         out.push_back(span);
         from = end;
       } else {
@@ -61,11 +63,15 @@ class literal_finder {
   }
 
  private:
-  bool holds_false_pair(int32_t start, int32_t end) const {
-    for (int32_t at = start + 1; at < end; ++at) {
-      if (folded_.false_pair(at)) return true;
+  // Whether the text from `start` meets the query's surrogate meetings alike.
+  bool pairs_agree(const literal_query& literal, const std::vector<int32_t>& meetings,
+                   int32_t start) const {
+    for (const int32_t at : meetings) {
+      const bool two =
+          std::binary_search(literal.false_pairs.begin(), literal.false_pairs.end(), at);
+      if (folded_.false_pair(start + at) != two) return false;
     }
-    return false;
+    return true;
   }
 
   match_rules<Unit> rules_;
@@ -74,14 +80,14 @@ class literal_finder {
 
 }  // namespace
 
-int32_t find_literal(const fold_table& table, std::u16string_view query, const char16_t* source,
+int32_t find_literal(const fold_table& table, const literal_query& query, const char16_t* source,
                      const folded_text& folded, int32_t from, int32_t final_units, bool last,
                      std::size_t limit, std::vector<source_span>& out) {
   return literal_finder<char16_t>(table, source, folded)
       .run(query, from, final_units, last, limit, out);
 }
 
-int32_t find_literal(const fold_table& table, std::u16string_view query, const char* source,
+int32_t find_literal(const fold_table& table, const literal_query& query, const char* source,
                      const folded_text& folded, int32_t from, int32_t final_units, bool last,
                      std::size_t limit, std::vector<source_span>& out) {
   return literal_finder<char>(table, source, folded)

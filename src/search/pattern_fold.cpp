@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <utility>
 
+#include <unicode/normalizer2.h>
 #include <unicode/uchar.h>
+#include <unicode/unistr.h>
 
 #include "search/code_points.h"
 #include "search/folded_text.h"
@@ -171,9 +173,8 @@ std::vector<code_point_range> folded_ranges(const fold_table& table, const class
   for (int32_t i = 0; i < set.members.getRangeCount(); ++i) {
     runs.set_folds_of(table, set.members.getRangeStart(i), set.members.getRangeEnd(i), folds);
   }
-  // Lone surrogates are matched as their stand-ins.
+  // A lone surrogate is matched in either form.
   for (UChar32 c = folds.next(0xD800, true); c <= 0xDFFF; c = folds.next(c + 1, true)) {
-    folds.clear(c);
     folds.set(surrogate_stand_in(c), surrogate_stand_in(c));
   }
   const bool in = !set.negated;
@@ -252,7 +253,8 @@ class pattern_folder {
     out_.literal = only_literals_;
     // A prefix with surrogates is not used: the text's lone ones are shown
     // to ICU as stand-ins, and the prefix is looked for in that text.
-    if (top_level_alternation_ ||
+    // Searches that start at a prefix restart the engine, which \G would see.
+    if (top_level_alternation_ || uses_previous_match_ ||
         std::any_of(out_.prefix.begin(), out_.prefix.end(),
                     [](char16_t unit) { return U16_IS_SURROGATE(unit); })) {
       out_.prefix.clear();
@@ -286,8 +288,15 @@ class pattern_folder {
   }
 
   void emit_code_point(UChar32 c, int32_t origin) {
-    if (U_IS_SURROGATE(c)) c = surrogate_stand_in(c);
     std::u16string text;
+    if (U_IS_SURROGATE(c)) {  // in either form
+      text += u'[';
+      append_escaped(text, c);
+      append_escaped(text, surrogate_stand_in(c));
+      text += u']';
+      emit_text(text, origin);
+      return;
+    }
     // A digit right after a back reference would become part of its number.
     if (stands_for_itself(c) && !(after_back_reference_ && is_ascii_digit(c))) {
       append_code_point(text, c);
@@ -316,8 +325,10 @@ class pattern_folder {
     folded_text folded;
     fold_text(table_, run_.data(), static_cast<int32_t>(run_.size()), false, folded);
     const int32_t size = folded.size;
-    int32_t last_piece = size;  // where the last piece's units start
-    if (quantified) {
+    int32_t last_piece = size;  // where the quantified fold starts
+    if (quantified) last_piece = last_character_fold(folded);
+    if (quantified && last_piece < 0) {
+      // Not to be told apart: the last piece.
       const int32_t last_start = size > 0 ? folded.origin[size - 1] : -1;
       const int32_t last_empty = folded.empty_pieces.empty() ? -1 : folded.empty_pieces.back();
       if (last_empty > last_start) {
@@ -332,15 +343,15 @@ class pattern_folder {
       // starts every match.
       out_.prefix.assign(folded.units.data(), static_cast<std::size_t>(last_piece));
     }
-    if (only_literals_) out_.literal_fold.append(folded.text());
+    if (only_literals_) append_literal_fold(folded);
     emit_units(folded, 0, last_piece);
     if (quantified) {
       int32_t at = last_piece;
       const bool one_code_point =
           at < size && (next_code_point(folded.units.data(), at, size), at == size);
-      const int32_t origin = run_origin_[static_cast<std::size_t>(
-          last_piece < size ? folded.origin[last_piece]
-                            : (folded.empty_pieces.empty() ? 0 : folded.empty_pieces.back()))];
+      const int32_t origin = last_piece < size
+                                 ? run_origin_[static_cast<std::size_t>(folded.origin[last_piece])]
+                                 : run_origin_.back();
       if (one_code_point) {
         emit_units(folded, last_piece, size);
       } else {
@@ -351,6 +362,42 @@ class pattern_folder {
     }
     run_.clear();
     run_origin_.clear();
+  }
+
+  // Where, in the fold of the run, the fold of its last character (after
+  // NFC) starts: the fold of the run without that character, if the run's
+  // fold starts with it; -1 if not. "q" U+0301 gives 1 (the mark folds to
+  // nothing), "l" U+00B7 too (the middle dot after "l"), "\u00df" gives 0.
+  int32_t last_character_fold(const folded_text& folded) const {
+    UErrorCode status = U_ZERO_ERROR;
+    const icu::Normalizer2* nfc = icu::Normalizer2::getNFCInstance(status);
+    if (U_FAILURE(status)) return -1;
+    const icu::UnicodeString normalised =
+        nfc->normalize(icu::UnicodeString(run_.data(), static_cast<int32_t>(run_.size())), status);
+    if (U_FAILURE(status)) return -1;
+    int32_t before = normalised.length();
+    U16_BACK_1(normalised.getBuffer(), 0, before);
+    folded_text rest;
+    fold_text(table_, normalised.getBuffer(), before, false, rest);
+    if (rest.size > folded.size ||
+        folded.text().substr(0, static_cast<std::size_t>(rest.size)) != rest.text()) {
+      return -1;
+    }
+    return rest.size;
+  }
+
+  // Adds a run's fold to the pattern's fold as a literal query.
+  void append_literal_fold(const folded_text& folded) {
+    literal_query& query = out_.literal_fold;
+    const auto base = static_cast<int32_t>(query.units.size());
+    if (base > 0 && folded.size > 0 && U16_IS_LEAD(query.units.back()) &&
+        U16_IS_TRAIL(folded.units[0])) {
+      query.false_pairs.push_back(base);  // runs apart: two characters
+    }
+    query.units.append(folded.text());
+    for (int32_t at = 1; at < folded.size; ++at) {
+      if (folded.false_pair(at)) query.false_pairs.push_back(base + at);
+    }
   }
 
   void emit_units(const folded_text& folded, int32_t from, int32_t to) {
@@ -387,18 +434,20 @@ class pattern_folder {
            name = lexer_.next_raw()) {
       }
       copy(backslash.start);
-    } else if (is_ascii_letter(c.c) || c.c < 0) {
+    } else if (c.c < 0 || std::u16string_view(u"bBAzZGXR").find(static_cast<char16_t>(c.c)) !=
+                              std::u16string_view::npos) {
       flush(false);  // an assertion or \X, \R: as written
+      if (c.c == u'G') uses_previous_match_ = true;
       copy(backslash.start);
     } else {
-      literal(c.c, backslash.start);  // an escaped character stands for itself
+      literal(c.c, backslash.start);  // any other escaped character stands for itself
     }
   }
 
   // Skips "(?#...)" after its "(", if that is what follows.
   bool skip_comment() {
     const pattern_lexer::mark saved = lexer_.save();
-    if (lexer_.next_raw().c == u'?' && lexer_.next_raw().c == u'#') {
+    if (opener_char().c == u'?' && opener_char().c == u'#') {
       for (pattern_char c = lexer_.next_raw(); c.c >= 0 && c.c != u')'; c = lexer_.next_raw()) {
       }
       return true;
@@ -407,31 +456,46 @@ class pattern_folder {
     return false;
   }
 
+  // The next character of a group's opening, which ICU reads skipping white
+  // space in free-spacing mode (but not "#" comments).
+  pattern_char opener_char() {
+    if (scopes_.back().free_spacing) {
+      while (u_hasBinaryProperty(lexer_.peek_raw(), UCHAR_PATTERN_WHITE_SPACE)) lexer_.next_raw();
+    }
+    return lexer_.next_raw();
+  }
+  UChar32 peek_opener_char() {
+    const pattern_lexer::mark saved = lexer_.save();
+    const UChar32 c = opener_char().c;
+    lexer_.restore(saved);
+    return c;
+  }
+
   void open_group(const pattern_char& paren) {
     flags inner = scopes_.back();
-    if (lexer_.peek_raw() != u'?') {
+    if (peek_opener_char() != u'?') {
       scopes_.push_back(inner);
       copy(paren.start);
       return;
     }
-    lexer_.next_raw();
-    const UChar32 kind = lexer_.peek_raw();
+    opener_char();
+    const UChar32 kind = peek_opener_char();
     if (kind == u'<') {
-      lexer_.next_raw();
-      const UChar32 after = lexer_.peek_raw();
+      opener_char();
+      const UChar32 after = peek_opener_char();
       if (after == u'=' || after == u'!') {  // look-behind
-        lexer_.next_raw();
+        opener_char();
       } else {  // a named group: up to the '>'
-        for (pattern_char c = lexer_.next_raw(); c.c >= 0 && c.c != u'>'; c = lexer_.next_raw()) {
+        for (pattern_char c = opener_char(); c.c >= 0 && c.c != u'>'; c = opener_char()) {
         }
       }
     } else if (kind == u':' || kind == u'=' || kind == u'!' || kind == u'>') {
-      lexer_.next_raw();
+      opener_char();
     } else {
       // Flags, "(?ix-s)" for the rest of the group or "(?ix-s:...)" for a new one.
       bool on = true;
-      pattern_char c = lexer_.next_raw();
-      for (; c.c >= 0 && c.c != u':' && c.c != u')'; c = lexer_.next_raw()) {
+      pattern_char c = opener_char();
+      for (; c.c >= 0 && c.c != u':' && c.c != u')'; c = opener_char()) {
         if (c.c == u'-') on = false;
         if (c.c == u'i') inner.case_insensitive = on;
         if (c.c == u'x') inner.free_spacing = on;
@@ -447,9 +511,8 @@ class pattern_folder {
   }
 
   void quantifier(const pattern_char& c) {
-    if (c.c == u'{') {
-      for (pattern_char next = lexer_.next_raw(); next.c >= 0 && next.c != u'}';
-           next = lexer_.next_raw()) {
+    if (c.c == u'{') {  // read as ICU reads it: in free-spacing mode, comments too
+      for (pattern_char next = lexer_.next(); next.c >= 0 && !next.is(u'}'); next = lexer_.next()) {
       }
     }
     copy(c.start);
@@ -473,6 +536,7 @@ class pattern_folder {
   bool anything_emitted_ = false;  // syntax dropped (a comment) counts as nothing
   bool only_literals_ = true;
   bool top_level_alternation_ = false;
+  bool uses_previous_match_ = false;  // \G
   folded_pattern out_;
 };
 

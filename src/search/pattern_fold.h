@@ -31,6 +31,7 @@
 
 #include "search/class_set.h"
 #include "search/fold_table.h"
+#include "search/literal_search.h"
 
 namespace scl::regex::detail {
 
@@ -42,7 +43,7 @@ struct folded_pattern {
   // Set when the pattern is literal characters alone: `literal_fold` is then
   // their fold, which literal search finds as ICU would.
   bool literal = false;
-  std::u16string literal_fold;
+  literal_query literal_fold;
   // Folded units that every match starts with (empty if there are none).
   std::u16string prefix;
 

@@ -25,19 +25,19 @@ struct utext_closer {
   ~utext_closer() { utext_close(text); }
 };
 
-// Turns every lone surrogate of `folded` into its stand-in.
-void conceal_lone_surrogates(folded_text& folded) {
+// Shows the engine each two lone surrogates that meet in `folded` as their
+// stand-ins.
+void conceal_false_pairs(folded_text& folded) {
   char16_t* units = folded.units.data();
   const char16_t* end = units + folded.size;
-  for (auto at = static_cast<int32_t>(find_surrogate(units, end) - units); at < folded.size;
-       at = static_cast<int32_t>(find_surrogate(units + at + 1, end) - units)) {
-    const char16_t unit = units[at];
-    if (U16_IS_LEAD(unit) && at + 1 < folded.size && U16_IS_TRAIL(units[at + 1]) &&
-        !folded.false_pair(at + 1)) {
-      ++at;  // a pair
-      continue;
+  for (const char16_t* at = find_surrogate(units, end); at < end;
+       at = find_surrogate(at + 1, end)) {
+    const auto trail = static_cast<int32_t>(at - units) + 1;
+    if (trail < folded.size && folded.false_pair(trail)) {
+      units[trail - 1] = static_cast<char16_t>(surrogate_stand_in(units[trail - 1]));
+      units[trail] = static_cast<char16_t>(surrogate_stand_in(units[trail]));
+      ++at;
     }
-    units[at] = static_cast<char16_t>(surrogate_stand_in(unit));
   }
 }
 
@@ -50,7 +50,7 @@ void find(const fold_table& table, const icu::RegexPattern& pattern, std::u16str
   const int32_t groups = matcher->groupCount();
   out.per_match = static_cast<std::size_t>(groups) + 1;
 
-  conceal_lone_surrogates(folded);
+  conceal_false_pairs(folded);
   // The matcher reads the folded units where they are.
   UText text = UTEXT_INITIALIZER;
   utext_openUChars(&text, folded.units.data(), folded.size, &status);

@@ -28,11 +28,11 @@ struct regex_matches {
 };
 
 // Appends to `out` the matches of `pattern` in `source`, folded (whole) as
-// `folded` (whose lone surrogates this turns into stand-ins), in order and without overlap, until
-// `out` holds `limit` of them. `prefix`, if not empty, is folded text that every match starts with:
-// ICU is asked to search only from where it occurs. ICU's matches that break the rules are skipped,
-// and the search goes on from the next piece. Throws regex_exception: U_REGEX_TIME_OUT when the
-// calling thread's match_time_limit stops the search, or ICU's code.
+// `folded` (whose lone surrogates that meet this turns into stand-ins), in order and without
+// overlap, until `out` holds `limit` of them. `prefix`, if not empty, is folded text that every
+// match starts with: ICU is asked to search only from where it occurs. ICU's matches that break the
+// rules are skipped, and the search goes on from the next piece. Throws regex_exception:
+// U_REGEX_TIME_OUT when the calling thread's match_time_limit stops the search, or ICU's code.
 void find_regex(const fold_table& table, const icu::RegexPattern& pattern,
                 std::u16string_view prefix, const char16_t* source, folded_text& folded,
                 std::size_t limit, regex_matches& out);

@@ -28,7 +28,7 @@ struct search_program {
   query_syntax syntax = query_syntax::literal;
   // A literal query folded, or a regex query that is literal characters alone
   // (then ICU would find what literal search finds): searched as such.
-  std::u16string query;
+  literal_query query;
   // A regex query: ICU's pattern for its fold, and the folded units that
   // start every match.
   shared_pattern pattern;
@@ -55,7 +55,7 @@ compiled_query compile_literal(std::u16string_view query) {
   detail::folded_text folded;
   detail::fold_text(detail::fold_table::get(), query.data(), detail::icu_length(query.size()),
                     false, folded);
-  program->query.assign(folded.text());
+  program->query = detail::literal_query::of(folded);
   return compiled_query{std::move(program), std::nullopt, npos};
 }
 
@@ -149,7 +149,8 @@ template <class Unit>
 detail::regex_matches search(const detail::search_program* program,
                              std::basic_string_view<Unit> text, std::size_t limit) {
   detail::regex_matches found;
-  if (program == nullptr || (program->query.empty() && program->pattern == nullptr)) return found;
+  if (program == nullptr || (program->query.units.empty() && program->pattern == nullptr))
+    return found;
   UErrorCode status = U_ZERO_ERROR;
   detail::check_deadline(status);
   if (U_FAILURE(status)) throw regex_exception(status);
@@ -157,7 +158,7 @@ detail::regex_matches search(const detail::search_program* program,
   const scratch_text scratch;
   detail::folded_text& folded = scratch_text::text();
   const int32_t size = detail::icu_length(text.size());
-  if (program->query.empty()) {
+  if (program->query.units.empty()) {
     // A regex may look anywhere: the whole text is folded first.
     detail::fold_text(table, text.data(), size, true, folded);
     detail::find_regex(table, *program->pattern, program->prefix, text.data(), folded, limit,

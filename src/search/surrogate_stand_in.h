@@ -1,8 +1,9 @@
 // ICU's regex engine reads a lead surrogate followed by a trail surrogate as
 // one code point. Lone surrogates that meet in folded text (the characters
-// between them folded to nothing) must stay two, so the engine is shown each
-// lone surrogate of folded text, and of a folded pattern, as a stand-in: a
-// Hangul syllable, which folded text never holds (syllables fold to jamo).
+// between them folded to nothing) must stay two, so the engine is shown those
+// two as stand-ins: Hangul syllables, which folded text never holds
+// (syllables fold to jamo). A folded pattern matches a lone surrogate in
+// either form.
 #ifndef SCL_REGEX_SRC_SEARCH_SURROGATE_STAND_IN_H
 #define SCL_REGEX_SRC_SEARCH_SURROGATE_STAND_IN_H
 
