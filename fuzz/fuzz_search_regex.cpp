@@ -34,6 +34,10 @@
 // 6. UTF-8 and UTF-16 agree: the UTF-8 form of the text (lone surrogates
 //    written as U+FFFD) has the matches and groups, in bytes, of the UTF-16
 //    text with U+FFFD in their place.
+// 7. On text that folds to itself (lowercase ASCII letters, digits,
+//    punctuation, space, tab, line feed: no CR, which joins the LF after it),
+//    a pattern that folds to itself (lowercase ASCII, no classes, no escapes
+//    but assertions, back references and punctuation) finds what ICU finds.
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
@@ -296,6 +300,53 @@ void check_quoted(const re::search_pattern& quoted, const re::search_pattern& li
   FUZZ_CHECK(match_ranges(as_regex) == match_ranges(as_literal));
 }
 
+// Whether folding leaves `pattern` as it is and ICU would read it alike on
+// folded text: lowercase printable ASCII, tab and line feed, no classes, no escapes but assertions,
+// back references and punctuation.
+bool folds_to_itself(const std::u16string& pattern) {
+  for (std::size_t i = 0; i < pattern.size(); ++i) {
+    const char16_t c = pattern[i];
+    if (c >= 0x7F || (c < 0x20 && c != u'\t' && c != u'\n')) return false;  // folds apart
+    if ((c >= u'A' && c <= u'Z') || c == u'[') return false;
+    if (c == u'\\') {
+      if (++i == pattern.size()) return false;
+      const char16_t escaped = pattern[i];
+      const bool allowed =
+          std::u16string_view(u"bBzZAGX123456789").find(escaped) != std::u16string_view::npos ||
+          (escaped < 0x80 && !(escaped >= u'a' && escaped <= u'z') &&
+           !(escaped >= u'A' && escaped <= u'Z') && !(escaped >= u'0' && escaped <= u'9'));
+      if (!allowed) return false;
+    }
+  }
+  return true;
+}
+
+// `text` without what does not fold to itself or splits no grapheme: lowercase
+// ASCII letters, digits, punctuation, space, tab and line feed.
+std::u16string self_folding(const std::u16string& text) {
+  std::u16string out;
+  for (const char16_t c : text) {
+    if ((c >= 0x20 && c < 0x7F && !(c >= u'A' && c <= u'Z')) || c == u'\n' || c == u'\t') {
+      out += c;
+    }
+  }
+  return out;
+}
+
+// Property 7.
+void check_against_icu(const re::search_pattern& regex, const std::u16string& pattern,
+                       const std::u16string& text) {
+  const std::optional<fuzz::icu_run> icu = fuzz::screen(pattern, 0, text);
+  if (!icu || !icu->compiled || icu->failed()) return;
+  std::vector<re::source_match> found;
+  if (!timed([&] { found = regex.find_all(text); })) return;
+  ranges expected;
+  for (const auto& [start, end] : icu->spans) {
+    expected.emplace_back(static_cast<std::size_t>(start), static_cast<std::size_t>(end));
+  }
+  FUZZ_CHECK(match_ranges(found) == expected);
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -326,6 +377,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
   const std::optional<re::search_pattern> regex = compiled(pattern);
   if (!regex) return 0;
+
+  // Property 7.
+  if (folds_to_itself(pattern)) check_against_icu(*regex, pattern, self_folding(text));
 
   // Properties 3 and 5.
   const auto found = search(*regex, text);

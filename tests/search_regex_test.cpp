@@ -132,6 +132,9 @@ INSTANTIATE_TEST_SUITE_P(
         example{u"\\h", u"a\u3000b", {{1, 2}}}, example{u"\\v", u"a\u2028b", {{1, 2}}},
         example{u"\\H", u"\u3000b", {{1, 2}}}, example{u"\\V+", u"\u2028ab\n", {{1, 3}}},
         example{u"\\S+", u"\u00e9t\u00e9 x", {{0, 3}, {4, 5}}},
+        // Every fold of a member counts, even one a person may not expect.
+        example{u"[:alpha:]", u"1", {{0, 1}}}, example{u"[\\W]", u"1", {{0, 1}}},
+        example{u"\\W", u"1", {}},
         // A member that folds to several characters, or to none, is left out.
         example{u"[\u00df]", u"\u00df ss", {}}, example{u"[\u00ad]", u"a\u00adb", {}},
         example{u"[\u00dfx]", u"\u00dfx", {{1, 2}}},

@@ -89,16 +89,22 @@
 //   - Literal characters (typed, escaped as \uhhhh, \x{h...}, \xhh,
 //     \N{NAME}, octal or \cX, or quoted with \Q...\E) are normalised to NFC
 //     and folded: "stra\u00dfe" finds "STRASSE", "cafe" U+0301 is "caf\u00e9".
-//     A quantifier applies to its character's whole fold: "\u00df+" means
-//     "(?:ss)+". A character that folds to nothing matches the empty string.
+//     A quantifier applies to the whole fold of the character before it
+//     (after NFC): "\u00df+" means "(?:ss)+". A character that folds to
+//     nothing matches the empty string, so "q" U+0301 "+" is "q(?:)+". An
+//     escaped letter that means nothing to ICU ("\K") is that letter.
 //   - A set, a property or a shorthand class ([...], \p{...}, \P{...},
 //     [:...:], \d \w \s \h \v and their negations) matches a folded
 //     character when that character is the fold of one of its members:
 //     "[\u00e9]", "[\u00e0-\u00ff]" and "\p{Lu}" match the "e" that "\u00c9"
 //     folds to, "[A-Z]" matches "\u0142". A negated class matches what its
 //     positive form does not: "[^a-z]" does not match "\u00e9". Set
-//     operations (&&, --, nesting) are evaluated as ICU evaluates them, then
-//     folded. A class matches one character, so members that fold to several
+//     operations (&&, --, nesting, and a negation inside a set) are evaluated
+//     as ICU evaluates them, then folded; only the outermost negation is
+//     taken after folding. A class holds every fold of its members, including
+//     ones a person may not expect: "[:alpha:]" matches "1" (U+3021 HANGZHOU
+//     NUMERAL ONE is alphabetic and folds to "1"), "[\\W]" matches "1" (from
+//     "\u00b9"). A class matches one character, so members that fold to several
 //     ("\u00df", "\ufb01") or to nothing (U+00AD) are left out: "[\u00df]"
 //     matches nothing, and likewise "." does not match "\u00df" but ".."
 //     does.
