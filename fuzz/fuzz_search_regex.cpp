@@ -313,7 +313,7 @@ bool folds_to_itself(const std::u16string& pattern) {
       const char16_t escaped = pattern[i];
       const bool allowed =
           std::u16string_view(u"bBzZAGX123456789").find(escaped) != std::u16string_view::npos ||
-          (escaped < 0x80 && !(escaped >= u'a' && escaped <= u'z') &&
+          (escaped >= 0x20 && escaped < 0x7F && !(escaped >= u'a' && escaped <= u'z') &&
            !(escaped >= u'A' && escaped <= u'Z') && !(escaped >= u'0' && escaped <= u'9'));
       if (!allowed) return false;
     }
