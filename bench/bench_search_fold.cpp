@@ -232,9 +232,10 @@ void count_matches(benchmark::State& state, std::size_t matches) {
   state.counters["matches"] = static_cast<double>(matches);
 }
 
-// search_pattern::find_all of "creme" over `text`, the pattern made once.
-void lib_find_all(benchmark::State& state, const std::u16string& text) {
-  const re::search_pattern pattern(kCreme);
+// Times pattern.find_all(text) (UTF-16 or UTF-8), counting its matches and
+// the bytes of the text.
+template <class Text>
+void time_find_all(benchmark::State& state, const re::search_pattern& pattern, const Text& text) {
   std::size_t matches = 0;
   for (auto _ : state) {
     const std::vector<re::source_match> found = pattern.find_all(text);
@@ -242,7 +243,14 @@ void lib_find_all(benchmark::State& state, const std::u16string& text) {
     matches = found.size();
   }
   count_matches(state, matches);
-  state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(text.size() * 2));
+  state.SetBytesProcessed(state.iterations() *
+                          static_cast<std::int64_t>(text.size() * sizeof(text[0])));
+}
+
+// search_pattern::find_all of "creme" over `text`, the pattern made once.
+void lib_find_all(benchmark::State& state, const std::u16string& text) {
+  const re::search_pattern pattern(kCreme);
+  time_find_all(state, pattern, text);
 }
 
 void icu_find_all(benchmark::State& state, const std::u16string& text, const std::string& key) {
@@ -343,14 +351,7 @@ void lib_french_find_all_utf8(benchmark::State& state) {
     state.SkipWithError("UTF-8 and UTF-16 find_all do not find as many matches");
     return;
   }
-  std::size_t matches = 0;
-  for (auto _ : state) {
-    const std::vector<re::source_match> found = pattern.find_all(text);
-    benchmark::DoNotOptimize(found.data());
-    matches = found.size();
-  }
-  count_matches(state, matches);
-  state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(text.size()));
+  time_find_all(state, pattern, text);
 }
 
 // ASCII text as UTF-16.
@@ -365,14 +366,7 @@ const std::u16string kCremeIcuRegex = u"cr[e\u00e8\u00e9]me\\w*";
 void lib_french_regex_find_all(benchmark::State& state) {
   const std::u16string& text = french_text(kUnits);
   const re::search_pattern pattern(kCremeRegex, re::query_syntax::regex);
-  std::size_t matches = 0;
-  for (auto _ : state) {
-    const std::vector<re::source_match> found = pattern.find_all(text);
-    benchmark::DoNotOptimize(found.data());
-    matches = found.size();
-  }
-  count_matches(state, matches);
-  state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(text.size() * 2));
+  time_find_all(state, pattern, text);
 }
 
 void icu_french_regex_find_all(benchmark::State& state) {
@@ -411,14 +405,7 @@ void lib_french_quoted_find_all(benchmark::State& state) {
     state.SkipWithError("the quoted regex and the literal query find other matches");
     return;
   }
-  std::size_t matches = 0;
-  for (auto _ : state) {
-    const std::vector<re::source_match> found = pattern.find_all(text);
-    benchmark::DoNotOptimize(found.data());
-    matches = found.size();
-  }
-  count_matches(state, matches);
-  state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(text.size() * 2));
+  time_find_all(state, pattern, text);
 }
 
 // Compiling a regex query with a large class, never seen before (each
