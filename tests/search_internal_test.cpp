@@ -1,6 +1,7 @@
 // The search fold's internals: the table computed at build time against the
 // one built from the running ICU, and grapheme boundaries against ICU's
 // character break iterator.
+#include <algorithm>
 #include <cstring>
 #include <memory>
 #include <random>
@@ -23,27 +24,84 @@ namespace {
 
 namespace detail = scl::regex::detail;
 
+template <class T>
+std::vector<T> as_vector(const T* data, std::size_t count) {
+  return std::vector<T>(data, data + count);
+}
+
+bool same_composites(const std::vector<detail::composite_unit>& a,
+                     const std::vector<detail::composite_unit>& b) {
+  return a.size() == b.size() &&
+         std::equal(a.begin(), a.end(), b.begin(), [](const auto& x, const auto& y) {
+           return std::memcmp(&x, &y, sizeof x) == 0;
+         });
+}
+
 TEST(FoldTable, BuiltInIsWhatTheRunningIcuGives) {
-  detail::fold_table_image image;
-  ASSERT_EQ(detail::build_fold_table(image), U_ZERO_ERROR);
-  ASSERT_EQ(image.trie.size(), detail::fold_table_data::trie_size);
-  EXPECT_EQ(std::memcmp(image.trie.data(), detail::fold_table_data::trie, image.trie.size()), 0);
-  EXPECT_EQ(image.pool,
-            std::u16string(detail::fold_table_data::pool, detail::fold_table_data::pool_size));
-  ASSERT_EQ(image.prevowel_pairs.size(), detail::fold_table_data::prevowel_pair_count);
+  namespace data = detail::fold_table_data;
+  detail::fold_tables_image image;
+  ASSERT_EQ(detail::build_fold_tables(image), U_ZERO_ERROR);
+  for (int index = 0; index < detail::fold_variant::count; ++index) {
+    SCOPED_TRACE("variant " + std::to_string(index));
+    const detail::fold_table_image& table = image.tables[static_cast<std::size_t>(index)];
+    ASSERT_EQ(table.trie.size(), data::tables[index].trie_size);
+    EXPECT_EQ(std::memcmp(table.trie.data(), data::tables[index].trie, table.trie.size()), 0);
+    EXPECT_EQ(table.pool, std::u16string(data::tables[index].pool, data::tables[index].pool_size));
+  }
+  ASSERT_EQ(image.prevowel_pairs.size(), data::prevowel_pair_count);
   for (std::size_t i = 0; i < image.prevowel_pairs.size(); ++i) {
-    EXPECT_EQ(image.prevowel_pairs[i].first, detail::fold_table_data::prevowel_pairs[i].first);
-    EXPECT_EQ(image.prevowel_pairs[i].second, detail::fold_table_data::prevowel_pairs[i].second);
+    EXPECT_EQ(image.prevowel_pairs[i].first, data::prevowel_pairs[i].first);
+    EXPECT_EQ(image.prevowel_pairs[i].second, data::prevowel_pairs[i].second);
   }
-  // A table loaded from the rebuilt image reads the same values.
-  UErrorCode status = U_ZERO_ERROR;
-  const detail::fold_table rebuilt(image, status);
-  ASSERT_EQ(status, U_ZERO_ERROR);
-  const detail::fold_table& built_in = detail::fold_table::get();
-  for (UChar32 c = 0; c < 0x110000; ++c) ASSERT_EQ(rebuilt.value(c), built_in.value(c)) << c;
-  for (char16_t c = 0; c < detail::fold_table::latin_limit; ++c) {
-    ASSERT_EQ(rebuilt.latin(c), built_in.latin(c)) << c;
+  EXPECT_EQ(image.dropped_starts, as_vector(data::dropped_starts, data::dropped_start_count));
+  EXPECT_EQ(image.variable_ends, as_vector(data::variable_ends, data::variable_end_count));
+  EXPECT_TRUE(same_composites(image.composites, as_vector(data::composites, data::composite_count)));
+
+  // Tables loaded from the rebuilt image read the same values.
+  const detail::fold_table_lists lists{
+      image.prevowel_pairs.data(), image.prevowel_pairs.size(), image.dropped_starts.data(),
+      image.dropped_starts.size(), image.variable_ends.data(),  image.variable_ends.size(),
+      image.composites.data(),     image.composites.size()};
+  for (int index = 0; index < detail::fold_variant::count; ++index) {
+    SCOPED_TRACE("variant " + std::to_string(index));
+    const detail::fold_variant variant = detail::fold_variant::at(index);
+    const detail::fold_table_image& table = image.tables[static_cast<std::size_t>(index)];
+    UErrorCode status = U_ZERO_ERROR;
+    const detail::fold_table rebuilt(variant, table.trie.data(), table.trie.size(),
+                                     table.pool.c_str(), lists, status);
+    ASSERT_EQ(status, U_ZERO_ERROR);
+    const detail::fold_table& built_in = detail::fold_table::get(variant);
+    EXPECT_EQ(built_in.variant(), variant);
+    for (UChar32 c = 0; c < 0x110000; ++c) ASSERT_EQ(rebuilt.value(c), built_in.value(c)) << c;
+    for (char16_t c = 0; c < detail::fold_table::latin_limit; ++c) {
+      ASSERT_EQ(rebuilt.latin(c), built_in.latin(c)) << c;
+    }
   }
+}
+
+// The lists the variants share: characters that mix punctuation with other
+// collation elements, and the characters of folded text with accents that
+// stand for several elements.
+TEST(FoldTable, KnowsWhatMixesPunctuationAndWhatStandsForSeveralElements) {
+  const detail::fold_table& table = detail::fold_table::get();
+  EXPECT_TRUE(table.dropped_start(0x2474));  // PARENTHESIZED DIGIT ONE: "(1)"
+  EXPECT_TRUE(table.variable_end(0x2474));
+  EXPECT_FALSE(table.dropped_start(0x2488));  // DIGIT ONE FULL STOP: "1."
+  EXPECT_TRUE(table.variable_end(0x2488));
+  EXPECT_FALSE(table.dropped_start(u'('));  // punctuation alone mixes nothing
+  EXPECT_FALSE(table.variable_end(u'a'));
+
+  const detail::composite_unit* sharp_s = table.composite(0xDF);
+  ASSERT_NE(sharp_s, nullptr);
+  EXPECT_EQ(sharp_s->count, 2U);
+  EXPECT_EQ(sharp_s->primaries[0], U's');
+  EXPECT_EQ(sharp_s->primaries[1], U's');
+  EXPECT_EQ(sharp_s->common_secondary, 2U);  // the second s is a plain s
+  const detail::composite_unit* l_dot = table.composite(0x140);  // LATIN SMALL LETTER L WITH MIDDLE DOT
+  ASSERT_NE(l_dot, nullptr);
+  EXPECT_EQ(l_dot->primaries[0], U'l');
+  EXPECT_EQ(l_dot->primaries[1], 0U);  // the dot is an accent
+  EXPECT_EQ(table.composite(u'e'), nullptr);
 }
 
 TEST(FoldTable, KnowsThePrevowelContractions) {

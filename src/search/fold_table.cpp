@@ -1,6 +1,7 @@
 #include "search/fold_table.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 #include <utility>
 
@@ -8,6 +9,7 @@
 #include <unicode/uversion.h>
 
 #include "scl/regex/exception.h"
+#include "search/fold_table_build.h"
 #include "search/fold_table_data.h"
 
 namespace scl::regex::detail {
@@ -23,47 +25,70 @@ bool built_for_running_icu() {
          std::memcmp(unicode, fold_table_data::unicode_version, sizeof unicode) == 0;
 }
 
-// The table built at run time, for an ICU other than the one at build time.
-struct rebuilt_table {
-  fold_table_image image;
-  std::unique_ptr<fold_table> table;
+// The tables of every variant, and what they share.
+struct fold_table_set {
+  fold_tables_image image;  // empty for the tables computed at build time
+  fold_table_lists lists{};
+  std::array<std::unique_ptr<fold_table>, fold_variant::count> tables;
 };
 
-const fold_table& load() {
+// The tables computed at build time.
+void load_embedded(fold_table_set& set) {
+  namespace data = fold_table_data;
+  set.lists = {data::prevowel_pairs, data::prevowel_pair_count, data::dropped_starts,
+               data::dropped_start_count, data::variable_ends,  data::variable_end_count,
+               data::composites,     data::composite_count};
   UErrorCode status = U_ZERO_ERROR;
-  if (built_for_running_icu()) {
-    static const fold_table embedded(fold_table_data::trie, fold_table_data::trie_size,
-                                     fold_table_data::pool, fold_table_data::prevowel_pairs,
-                                     fold_table_data::prevowel_pair_count, status);
+  for (int index = 0; index < fold_variant::count; ++index) {
+    const data::table& table = data::tables[index];
+    set.tables[static_cast<std::size_t>(index)] = std::make_unique<fold_table>(
+        fold_variant::at(index), table.trie, table.trie_size, table.pool, set.lists, status);
     if (U_FAILURE(status)) throw regex_exception(status);
-    return embedded;
   }
-  static const rebuilt_table rebuilt = [] {
-    rebuilt_table result;
-    UErrorCode build_status = build_fold_table(result.image);
-    if (U_FAILURE(build_status)) throw regex_exception(build_status);
-    result.table = std::make_unique<fold_table>(result.image, build_status);
-    if (U_FAILURE(build_status)) throw regex_exception(build_status);
-    return result;
+}
+
+// The tables built at run time, for an ICU other than the one at build time.
+void rebuild(fold_table_set& set) {
+  fold_tables_image& image = set.image;
+  UErrorCode status = build_fold_tables(image);
+  if (U_FAILURE(status)) throw regex_exception(status);
+  set.lists = {image.prevowel_pairs.data(), image.prevowel_pairs.size(),
+               image.dropped_starts.data(), image.dropped_starts.size(),
+               image.variable_ends.data(),  image.variable_ends.size(),
+               image.composites.data(),     image.composites.size()};
+  for (int index = 0; index < fold_variant::count; ++index) {
+    const fold_table_image& table = image.tables[static_cast<std::size_t>(index)];
+    set.tables[static_cast<std::size_t>(index)] =
+        std::make_unique<fold_table>(fold_variant::at(index), table.trie.data(), table.trie.size(),
+                                     table.pool.c_str(), set.lists, status);
+    if (U_FAILURE(status)) throw regex_exception(status);
+  }
+}
+
+// Made once, where it stays: the tables point into it.
+const fold_table_set& load() {
+  static const std::unique_ptr<const fold_table_set> set = [] {
+    auto loaded = std::make_unique<fold_table_set>();
+    if (built_for_running_icu()) {
+      load_embedded(*loaded);
+    } else {
+      rebuild(*loaded);
+    }
+    return loaded;
   }();
-  return *rebuilt.table;
+  return *set;
 }
 
 }  // namespace
 
-const fold_table& fold_table::get() {
-  static const fold_table& table = load();
-  return table;
+const fold_table& fold_table::get(fold_variant variant) {
+  static const fold_table_set& set = load();
+  return *set.tables[static_cast<std::size_t>(variant.index())];
 }
 
-fold_table::fold_table(const fold_table_image& image, UErrorCode& status)
-    : fold_table(image.trie.data(), image.trie.size(), image.pool.c_str(),
-                 image.prevowel_pairs.data(), image.prevowel_pairs.size(), status) {}
-
-fold_table::fold_table(const std::uint8_t* trie, std::size_t trie_size, const char16_t* pool,
-                       const code_point_pair* prevowel_pairs, std::size_t prevowel_pair_count,
-                       UErrorCode& status)
-    : pool_(pool), pairs_(prevowel_pairs), pair_count_(prevowel_pair_count) {
+fold_table::fold_table(fold_variant variant, const std::uint8_t* trie, std::size_t trie_size,
+                       const char16_t* pool, const fold_table_lists& lists, UErrorCode& status)
+    : variant_(variant), pool_(pool), lists_(&lists) {
   if (U_FAILURE(status)) return;
   trie_ = ucptrie_openFromBinary(UCPTRIE_TYPE_FAST, UCPTRIE_VALUE_BITS_32, trie,
                                  static_cast<int32_t>(trie_size), nullptr, &status);
@@ -111,6 +136,10 @@ uint32_t U_CALLCONV fold_only(const void*, uint32_t value) {
   return value & (3U << fold_value::kind_shift | fold_value::payload_mask);
 }
 
+bool listed(const char32_t* list, std::size_t count, UChar32 c) {
+  return std::binary_search(list, list + count, static_cast<char32_t>(c));
+}
+
 }  // namespace
 
 UChar32 fold_table::fold_run(UChar32 start, std::uint32_t& fold) const {
@@ -118,14 +147,33 @@ UChar32 fold_table::fold_run(UChar32 start, std::uint32_t& fold) const {
 }
 
 bool fold_table::contracts(UChar32 prevowel, UChar32 next) const {
-  const code_point_pair* end = pairs_ + pair_count_;
+  const code_point_pair* pairs = lists_->prevowel_pairs;
+  const code_point_pair* end = pairs + lists_->prevowel_pair_count;
   const code_point_pair* it = std::lower_bound(
-      pairs_, end, prevowel,
+      pairs, end, prevowel,
       [](const code_point_pair& p, UChar32 c) { return static_cast<UChar32>(p.first) < c; });
   for (; it != end && static_cast<UChar32>(it->first) == prevowel; ++it) {
     if (static_cast<UChar32>(it->second) == next) return true;
   }
   return false;
+}
+
+bool fold_table::dropped_start(UChar32 c) const {
+  return listed(lists_->dropped_starts, lists_->dropped_start_count, c);
+}
+
+bool fold_table::variable_end(UChar32 c) const {
+  return listed(lists_->variable_ends, lists_->variable_end_count, c);
+}
+
+const composite_unit* fold_table::composite(UChar32 unit) const {
+  const composite_unit* begin = lists_->composites;
+  const composite_unit* end = begin + lists_->composite_count;
+  const composite_unit* it =
+      std::lower_bound(begin, end, unit, [](const composite_unit& u, UChar32 c) {
+        return static_cast<UChar32>(u.unit) < c;
+      });
+  return it != end && static_cast<UChar32>(it->unit) == unit ? it : nullptr;
 }
 
 }  // namespace scl::regex::detail

@@ -1,8 +1,9 @@
-// The fold table of the running process: one per process, read-only, shared
-// by all threads.
+// The fold tables of the running process: one per fold variant, read-only,
+// shared by all threads.
 #ifndef SCL_REGEX_SRC_SEARCH_FOLD_TABLE_H
 #define SCL_REGEX_SRC_SEARCH_FOLD_TABLE_H
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 
@@ -10,26 +11,39 @@
 #include <unicode/unorm2.h>
 #include <unicode/utypes.h>
 
-#include "search/fold_table_build.h"
 #include "search/fold_value.h"
+#include "search/fold_variant.h"
 
 namespace scl::regex::detail {
 
+// What the tables of all variants share (see fold_tables_image).
+struct fold_table_lists {
+  const code_point_pair* prevowel_pairs;
+  std::size_t prevowel_pair_count;
+  const char32_t* dropped_starts;
+  std::size_t dropped_start_count;
+  const char32_t* variable_ends;
+  std::size_t variable_end_count;
+  const composite_unit* composites;
+  std::size_t composite_count;
+};
+
 class fold_table {
  public:
-  // The table. The first call loads the one computed at build time (a few
-  // microseconds), or builds it anew if the running ICU is not the one it was
-  // computed with. Throws regex_exception with ICU's code if ICU fails.
-  static const fold_table& get();
+  // The table of `variant`. The first call loads the tables computed at build
+  // time (some tens of microseconds), or builds them anew if the running ICU
+  // is not the one they were computed with. Throws regex_exception with ICU's
+  // code if ICU fails.
+  static const fold_table& get(fold_variant variant = {});
 
-  // Loads `image` (which must outlive the table).
-  fold_table(const fold_table_image& image, UErrorCode& status);
-  fold_table(const std::uint8_t* trie, std::size_t trie_size, const char16_t* pool,
-             const code_point_pair* prevowel_pairs, std::size_t prevowel_pair_count,
-             UErrorCode& status);
+  // Loads a table from `trie` and `pool`, which must outlive it, as must `lists`.
+  fold_table(fold_variant variant, const std::uint8_t* trie, std::size_t trie_size,
+             const char16_t* pool, const fold_table_lists& lists, UErrorCode& status);
   fold_table(const fold_table&) = delete;
   fold_table& operator=(const fold_table&) = delete;
   ~fold_table();
+
+  fold_variant variant() const { return variant_; }
 
   std::uint32_t value(UChar32 c) const { return UCPTRIE_FAST_GET(trie_, UCPTRIE_32, c); }
   std::uint32_t bmp_value(char16_t c) const { return UCPTRIE_FAST_BMP_GET(trie_, UCPTRIE_32, c); }
@@ -44,6 +58,15 @@ class fold_table {
 
   // Whether `prevowel` and `next` form a root contraction that NFC leaves alone.
   bool contracts(UChar32 prevowel, UChar32 next) const;
+  // Whether the collation elements of `c` start with punctuation and go on
+  // with something else ("\u2474", "(1)" in one character).
+  bool dropped_start(UChar32 c) const;
+  // Whether the last primary collation element of `c` is punctuation and
+  // another one is not.
+  bool variable_end(UChar32 c) const;
+  // The elements of `unit`, if it is a composite unit of folded text with
+  // accents; else nullptr.
+  const composite_unit* composite(UChar32 unit) const;
 
   // The fold of U+0000..U+02FF, packed: up to two units (first | second << 16),
   // or one of these.
@@ -53,12 +76,10 @@ class fold_table {
   std::uint32_t latin(char16_t c) const { return latin_[c]; }
 
  private:
-  void finish(UErrorCode& status);
-
+  fold_variant variant_;
   UCPTrie* trie_ = nullptr;
   const char16_t* pool_ = nullptr;
-  const code_point_pair* pairs_ = nullptr;
-  std::size_t pair_count_ = 0;
+  const fold_table_lists* lists_ = nullptr;
   const UNormalizer2* nfc_ = nullptr;
   std::uint32_t latin_[latin_limit] = {};
 };

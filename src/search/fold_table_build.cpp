@@ -25,6 +25,8 @@ namespace {
 
 constexpr UChar32 kCodePoints = 0x110000;
 constexpr std::uint32_t kCommonWeight = 0x0500;  // common secondary and tertiary, no case bits
+constexpr std::uint32_t kCaseBits = 0xC000;      // the case bits of a tertiary weight
+constexpr std::uint32_t kMergeSeparator = 0x02000000;  // the lowest primary, never variable
 
 // One collation element: primary (32 bits), secondary and tertiary (16 each).
 struct collation_element {
@@ -33,12 +35,12 @@ struct collation_element {
   std::uint32_t tertiary;
 };
 
-// The collation elements of `text`. ICU's element iterator gives 32-bit
-// orders; a 64-bit element whose weights have low bytes comes as two, the
-// second marked as a continuation by its two low bits of the tertiary byte.
+// Appends the collation elements of `text` to `out`. ICU's element iterator
+// gives 32-bit orders; a 64-bit element whose weights have low bytes comes as
+// two, the second marked as a continuation by its two low bits of the
+// tertiary byte.
 void collation_elements(UCollationElements* elements, const UChar* text, int32_t length,
                         std::vector<collation_element>& out, UErrorCode& status) {
-  out.clear();
   ucol_setText(elements, text, length, &status);
   auto is_continuation = [](int32_t order) {
     return order != UCOL_NULLORDER && (static_cast<std::uint32_t>(order) & 0xC0) == 0xC0;
@@ -59,6 +61,117 @@ void collation_elements(UCollationElements* elements, const UChar* text, int32_t
     order = next;
   }
 }
+
+// The collation elements of every code point.
+struct element_table {
+  std::vector<std::uint32_t> first = std::vector<std::uint32_t>(kCodePoints + 1);
+  std::vector<collation_element> elements;
+
+  const collation_element* begin(UChar32 c) const { return elements.data() + first[c]; }
+  const collation_element* end(UChar32 c) const { return elements.data() + first[c + 1]; }
+  std::size_t size(UChar32 c) const { return first[c + 1] - first[c]; }
+};
+
+// A collation element as a variant compares it: its primary, with the
+// secondary weight when accents count, with the case bits when case counts.
+using element_key = std::uint64_t;
+
+// How a variant reads collation elements.
+class element_reader {
+ public:
+  element_reader(fold_variant variant, std::uint32_t variable_top)
+      : variant_(variant), variable_top_(variable_top) {}
+
+  // Whether the element is punctuation or a space (a variable element).
+  bool variable(const collation_element& e) const {
+    return e.primary > kMergeSeparator && e.primary <= variable_top_;
+  }
+
+  // Whether the element counts at the variant's strength.
+  bool weighs(const collation_element& e) const {
+    return variant_.accents ? e.secondary != 0 : e.primary != 0;
+  }
+
+  element_key key(const collation_element& e) const {
+    element_key key = e.primary;
+    if (variant_.accents) key = key << 16 | e.secondary;
+    if (variant_.case_level) key = key << 2 | e.tertiary >> 14;
+    return key;
+  }
+
+  // Whether the weights the key leaves out are the common ones.
+  bool common(const collation_element& e) const {
+    const std::uint32_t tertiary = variant_.case_level ? e.tertiary & ~kCaseBits : e.tertiary;
+    return (variant_.accents || e.secondary == kCommonWeight) && tertiary == kCommonWeight;
+  }
+
+  // Whether a character with these elements can represent its key alone.
+  bool single(const collation_element* begin, const collation_element* end) const {
+    return end - begin == 1 && weighs(*begin) && !(variant_.shifted && variable(*begin));
+  }
+
+  // The keys of a character's elements, in order. With "shifted", variable
+  // elements and the primary-ignorable ones after them are left out.
+  void keys(const collation_element* begin, const collation_element* end,
+            std::vector<element_key>& out) const {
+    out.clear();
+    bool after_variable = false;
+    for (const collation_element* e = begin; e != end; ++e) {
+      if (variant_.shifted) {
+        if (variable(*e)) {
+          after_variable = true;
+          continue;
+        }
+        if (e->primary == 0 && after_variable) continue;
+        if (e->primary != 0) after_variable = false;
+      }
+      if (weighs(*e)) out.push_back(key(*e));
+    }
+  }
+
+ private:
+  fold_variant variant_;
+  std::uint32_t variable_top_;
+};
+
+// The representative of each key: the smallest code point whose collation
+// elements are one element with that key and common other weights; failing
+// that (kana), the smallest whose elements are one element with that key.
+class representatives {
+ public:
+  representatives(const element_table& table, const element_reader& reader) {
+    struct single {
+      element_key key;
+      bool common;
+      UChar32 c;
+    };
+    std::vector<single> singles;
+    singles.reserve(1100000);
+    for (UChar32 c = 0; c < kCodePoints; ++c) {
+      if (U_IS_SURROGATE(c) || !reader.single(table.begin(c), table.end(c))) continue;
+      singles.push_back({reader.key(*table.begin(c)), reader.common(*table.begin(c)), c});
+    }
+    std::sort(singles.begin(), singles.end(), [](const single& a, const single& b) {
+      if (a.key != b.key) return a.key < b.key;
+      if (a.common != b.common) return a.common;
+      return a.c < b.c;
+    });
+    for (const single& s : singles) {
+      if (entries_.empty() || entries_.back().first != s.key) entries_.emplace_back(s.key, s.c);
+    }
+  }
+
+  // The representative of `key`, or -1 if no code point is that key alone.
+  UChar32 of(element_key key) const {
+    const auto it = std::lower_bound(
+        entries_.begin(), entries_.end(), key,
+        [](const std::pair<element_key, UChar32>& entry, element_key k) { return entry.first < k; });
+    return it != entries_.end() && it->first == key ? it->second : -1;
+  }
+
+ private:
+  std::vector<std::pair<element_key, UChar32>> entries_;
+};
 
 grapheme_class class_of(UChar32 c) {
   switch (u_getIntPropertyValue(c, UCHAR_GRAPHEME_CLUSTER_BREAK)) {
@@ -125,151 +238,16 @@ void probe_conjuncts(UChar32 c, grapheme_class& klass, UBreakIterator* breaks, U
   }
 }
 
-}  // namespace
-
-UErrorCode build_fold_table(fold_table_image& image) {
+// The bits of every code point's value that do not depend on the variant:
+// its grapheme class, NFC and combining class, prevowel.
+UErrorCode character_bits(const std::set<UChar32>& prevowels, std::vector<std::uint32_t>& bits) {
   UErrorCode status = U_ZERO_ERROR;
-  const UNormalizer2* nfc = unorm2_getNFCInstance(&status);
-  icu::LocalUCollatorPointer collator(ucol_open("", &status));
-  const std::unique_ptr<UCollationElements, decltype(&ucol_closeElements)> elements(
-      ucol_openElements(collator.getAlias(), nullptr, 0, &status), &ucol_closeElements);
   icu::LocalUBreakIteratorPointer breaks(ubrk_open(UBRK_CHARACTER, "", nullptr, 0, &status));
   if (U_FAILURE(status)) return status;
-
-  // The primaries of every code point, in order, zeros left out; and every
-  // code point whose elements are one non-ignorable element.
-  struct single {
-    std::uint32_t primary;
-    bool common;  // secondary and tertiary weights are the common ones
-    UChar32 c;
-  };
-  std::vector<std::uint32_t> first(kCodePoints + 1);
-  std::vector<std::uint32_t> primaries;
-  primaries.reserve(1200000);
-  std::vector<single> singles;
-  singles.reserve(1100000);
-  std::vector<collation_element> ces;
-  for (UChar32 c = 0; c < kCodePoints; ++c) {
-    first[c] = static_cast<std::uint32_t>(primaries.size());
-    if (U_IS_SURROGATE(c)) continue;
-    const std::u16string text = code_point_text(c);
-    collation_elements(elements.get(), text.data(), static_cast<int32_t>(text.size()), ces, status);
-    if (U_FAILURE(status)) return status;
-    for (const collation_element& element : ces) {
-      if (element.primary != 0) primaries.push_back(element.primary);
-    }
-    if (ces.size() == 1 && ces[0].primary != 0) {
-      const bool common = ces[0].secondary == kCommonWeight && ces[0].tertiary == kCommonWeight;
-      singles.push_back({ces[0].primary, common, c});
-    }
-  }
-  first[kCodePoints] = static_cast<std::uint32_t>(primaries.size());
-
-  // The representative of each primary: the smallest code point that is that
-  // primary alone with common weights; failing that (kana), the smallest that
-  // is that primary alone with any weights.
-  std::sort(singles.begin(), singles.end(), [](const single& a, const single& b) {
-    if (a.primary != b.primary) return a.primary < b.primary;
-    if (a.common != b.common) return a.common;
-    return a.c < b.c;
-  });
-  std::vector<std::pair<std::uint32_t, UChar32>> representatives;
-  for (const single& s : singles) {
-    if (representatives.empty() || representatives.back().first != s.primary) {
-      representatives.emplace_back(s.primary, s.c);
-    }
-  }
-  singles = {};
-  auto representative = [&](std::uint32_t primary) -> UChar32 {
-    const auto it = std::lower_bound(representatives.begin(), representatives.end(), primary,
-                                     [](const std::pair<std::uint32_t, UChar32>& entry,
-                                        std::uint32_t p) { return entry.first < p; });
-    return it != representatives.end() && it->first == primary ? it->second : -1;
-  };
-
-  // Prevowels that start root contractions NFC leaves alone, with their partners.
-  std::set<UChar32> prevowels;
-  image.prevowel_pairs.clear();
-  {
-    icu::LocalUSetPointer contractions(uset_openEmpty());
-    ucol_getContractionsAndExpansions(collator.getAlias(), contractions.getAlias(), nullptr, 1,
-                                      &status);
-    if (U_FAILURE(status)) return status;
-    const int32_t items = uset_getItemCount(contractions.getAlias());
-    for (int32_t i = 0; i < items; ++i) {
-      UChar32 low = 0;
-      UChar32 high = 0;
-      UChar buffer[32];
-      const int32_t length =
-          uset_getItem(contractions.getAlias(), i, &low, &high, buffer, 32, &status);
-      if (U_FAILURE(status)) return status;
-      if (length < 2) continue;
-      int32_t at = 0;
-      UChar32 lead = 0;
-      UChar32 next = 0;
-      U16_NEXT(buffer, at, length, lead);
-      U16_NEXT(buffer, at, length, next);
-      if (u_hasBinaryProperty(lead, UCHAR_LOGICAL_ORDER_EXCEPTION) == 0) continue;
-      if (unorm2_isNormalized(nfc, buffer, length, &status) == 0) continue;
-      prevowels.insert(lead);
-      image.prevowel_pairs.push_back({static_cast<char32_t>(lead), static_cast<char32_t>(next)});
-    }
-    auto as_tuple = [](const code_point_pair& p) { return std::make_pair(p.first, p.second); };
-    std::sort(image.prevowel_pairs.begin(), image.prevowel_pairs.end(),
-              [&](const code_point_pair& a, const code_point_pair& b) {
-                return as_tuple(a) < as_tuple(b);
-              });
-    image.prevowel_pairs.erase(std::unique(image.prevowel_pairs.begin(), image.prevowel_pairs.end(),
-                                           [&](const code_point_pair& a, const code_point_pair& b) {
-                                             return as_tuple(a) == as_tuple(b);
-                                           }),
-                               image.prevowel_pairs.end());
-  }
-
-  // The values.
-  image.pool.clear();
-  std::map<std::u16string, std::uint32_t> pooled;
-  icu::LocalUMutableCPTriePointer values(umutablecptrie_open(0, 0, &status));
-  if (U_FAILURE(status)) return status;
-  std::u16string fold;
+  bits.assign(kCodePoints, 0);
   for (UChar32 c = 0; c < kCodePoints; ++c) {
     std::uint32_t value = 0;
     if (!U_IS_SURROGATE(c)) {
-      fold.clear();
-      int32_t code_points = 0;
-      UChar32 only = -1;
-      for (std::uint32_t k = first[c]; k < first[c + 1]; ++k) {
-        const UChar32 r = representative(primaries[k]);
-        if (r < 0) return U_INTERNAL_PROGRAM_ERROR;
-        append_code_point(fold, r);
-        only = r;
-        ++code_points;
-      }
-      if (code_points == 0) {
-        value = fold_value::make(fold_kind::nothing, 0);
-      } else if (code_points == 1 && only == c) {
-        value = fold_value::make(fold_kind::self, 0);
-      } else if (code_points == 1) {
-        if (only - c > fold_value::max_delta || c - only > fold_value::max_delta) {
-          return U_BUFFER_OVERFLOW_ERROR;
-        }
-        value = fold_value::make(fold_kind::delta, static_cast<std::uint32_t>(only - c));
-      } else {
-        auto found = pooled.find(fold);
-        if (found == pooled.end()) {
-          std::size_t at = image.pool.find(fold);
-          if (at == std::u16string::npos) {
-            at = image.pool.size();
-            image.pool += fold;
-          }
-          found = pooled.emplace(fold, static_cast<std::uint32_t>(at)).first;
-        }
-        if (found->second > fold_value::max_pool_offset || fold.size() > fold_value::max_length) {
-          return U_BUFFER_OVERFLOW_ERROR;
-        }
-        value = fold_value::make(fold_kind::pool, found->second << fold_value::length_bits |
-                                                      static_cast<std::uint32_t>(fold.size()));
-      }
       const auto quick_check = u_getIntPropertyValue(c, UCHAR_NFC_QUICK_CHECK);
       if (quick_check != UNORM_YES) value |= fold_value::needs_nfc_bit;
       if (quick_check == UNORM_MAYBE) value |= fold_value::composes_back_bit;
@@ -281,7 +259,156 @@ UErrorCode build_fold_table(fold_table_image& image) {
       probe_conjuncts(c, klass, breaks.getAlias(), status);
       if (U_FAILURE(status)) return status;
     }
-    value = fold_value::with_class(value, klass);
+    bits[static_cast<std::size_t>(c)] = fold_value::with_class(value, klass);
+  }
+  return status;
+}
+
+// Prevowels that start root contractions NFC leaves alone, with their partners.
+UErrorCode prevowel_contractions(const UCollator* collator, const UNormalizer2* nfc,
+                                 std::set<UChar32>& prevowels,
+                                 std::vector<code_point_pair>& pairs) {
+  UErrorCode status = U_ZERO_ERROR;
+  icu::LocalUSetPointer contractions(uset_openEmpty());
+  ucol_getContractionsAndExpansions(collator, contractions.getAlias(), nullptr, 1, &status);
+  if (U_FAILURE(status)) return status;
+  pairs.clear();
+  const int32_t items = uset_getItemCount(contractions.getAlias());
+  for (int32_t i = 0; i < items; ++i) {
+    UChar32 low = 0;
+    UChar32 high = 0;
+    UChar buffer[32];
+    const int32_t length = uset_getItem(contractions.getAlias(), i, &low, &high, buffer, 32, &status);
+    if (U_FAILURE(status)) return status;
+    if (length < 2) continue;
+    int32_t at = 0;
+    UChar32 lead = 0;
+    UChar32 next = 0;
+    U16_NEXT(buffer, at, length, lead);
+    U16_NEXT(buffer, at, length, next);
+    if (u_hasBinaryProperty(lead, UCHAR_LOGICAL_ORDER_EXCEPTION) == 0) continue;
+    if (unorm2_isNormalized(nfc, buffer, length, &status) == 0) continue;
+    prevowels.insert(lead);
+    pairs.push_back({static_cast<char32_t>(lead), static_cast<char32_t>(next)});
+  }
+  auto as_tuple = [](const code_point_pair& p) { return std::make_pair(p.first, p.second); };
+  std::sort(pairs.begin(), pairs.end(), [&](const code_point_pair& a, const code_point_pair& b) {
+    return as_tuple(a) < as_tuple(b);
+  });
+  pairs.erase(std::unique(pairs.begin(), pairs.end(),
+                          [&](const code_point_pair& a, const code_point_pair& b) {
+                            return as_tuple(a) == as_tuple(b);
+                          }),
+              pairs.end());
+  return status;
+}
+
+// Appends `fold` to the pool (or finds it there) and returns its value.
+UErrorCode pool_value(const std::u16string& fold, std::u16string& pool,
+                      std::map<std::u16string, std::uint32_t>& pooled, std::uint32_t& value) {
+  auto found = pooled.find(fold);
+  if (found == pooled.end()) {
+    std::size_t at = pool.find(fold);
+    if (at == std::u16string::npos) {
+      at = pool.size();
+      pool += fold;
+    }
+    found = pooled.emplace(fold, static_cast<std::uint32_t>(at)).first;
+  }
+  if (found->second > fold_value::max_pool_offset || fold.size() > fold_value::max_length) {
+    return U_BUFFER_OVERFLOW_ERROR;
+  }
+  value = fold_value::make(fold_kind::pool, found->second << fold_value::length_bits |
+                                                static_cast<std::uint32_t>(fold.size()));
+  return U_ZERO_ERROR;
+}
+
+// The fold table of one variant. Each code point folds to the representatives
+// of its keys, in order. A key that no code point is alone (the "ss" of "ß"
+// with accents) cannot be written so: a code point with such a key folds to
+// the smallest code point whose keys are all of its own (preferring common
+// other weights). With `composites`, lists those code points and their
+// elements, read by `primary` (the variant without accents).
+UErrorCode build_variant(const element_table& table, const element_reader& reader,
+                         const std::vector<std::uint32_t>& bits, fold_table_image& image,
+                         const representatives* primary, std::vector<composite_unit>* composites) {
+  const representatives reps(table, reader);
+
+  // The code points with a key that has no representative, by their keys.
+  std::vector<element_key> keys;
+  std::map<std::vector<element_key>, std::pair<bool, UChar32>> wholes;  // keys -> (!common, c)
+  for (UChar32 c = 0; c < kCodePoints; ++c) {
+    if (U_IS_SURROGATE(c)) continue;
+    reader.keys(table.begin(c), table.end(c), keys);
+    if (std::all_of(keys.begin(), keys.end(), [&](element_key k) { return reps.of(k) >= 0; })) {
+      continue;
+    }
+    const bool common = std::all_of(table.begin(c), table.end(c), [&](const collation_element& e) {
+      return reader.common(e);
+    });
+    const auto candidate = std::make_pair(!common, c);
+    auto [it, inserted] = wholes.emplace(keys, candidate);
+    if (!inserted && candidate < it->second) it->second = candidate;
+  }
+  if (composites != nullptr) {
+    composites->clear();
+    for (const auto& [element_keys, best] : wholes) {
+      if (element_keys.size() > composite_unit::max_elements) return U_BUFFER_OVERFLOW_ERROR;
+      composite_unit unit{static_cast<char32_t>(best.second), 0, {}, 0};
+      for (const element_key key : element_keys) {
+        // A key of the accent table without case: primary << 16 | secondary.
+        const auto primary_weight = static_cast<std::uint32_t>(key >> 16);
+        if ((key & 0xFFFF) == kCommonWeight) unit.common_secondary |= 1U << unit.count;
+        const UChar32 rep = primary_weight == 0 ? 0 : primary->of(primary_weight);
+        if (rep < 0) return U_INTERNAL_PROGRAM_ERROR;
+        unit.primaries[unit.count++] = static_cast<char32_t>(rep);
+      }
+      composites->push_back(unit);
+    }
+    std::sort(composites->begin(), composites->end(),
+              [](const composite_unit& a, const composite_unit& b) { return a.unit < b.unit; });
+  }
+
+  image.pool.clear();
+  std::map<std::u16string, std::uint32_t> pooled;
+  UErrorCode status = U_ZERO_ERROR;
+  icu::LocalUMutableCPTriePointer values(umutablecptrie_open(0, 0, &status));
+  if (U_FAILURE(status)) return status;
+  std::u16string fold;
+  for (UChar32 c = 0; c < kCodePoints; ++c) {
+    std::uint32_t value = 0;
+    if (!U_IS_SURROGATE(c)) {
+      reader.keys(table.begin(c), table.end(c), keys);
+      fold.clear();
+      int32_t code_points = 0;
+      UChar32 only = -1;
+      if (const auto whole = wholes.find(keys); whole != wholes.end()) {
+        only = whole->second.second;
+        append_code_point(fold, only);
+        code_points = 1;
+      } else {
+        for (const element_key key : keys) {
+          only = reps.of(key);
+          if (only < 0) return U_INTERNAL_PROGRAM_ERROR;
+          append_code_point(fold, only);
+          ++code_points;
+        }
+      }
+      if (code_points == 0) {
+        value = fold_value::make(fold_kind::nothing, 0);
+      } else if (code_points == 1 && only == c) {
+        value = fold_value::make(fold_kind::self, 0);
+      } else if (code_points == 1) {
+        if (only - c > fold_value::max_delta || c - only > fold_value::max_delta) {
+          return U_BUFFER_OVERFLOW_ERROR;
+        }
+        value = fold_value::make(fold_kind::delta, static_cast<std::uint32_t>(only - c));
+      } else {
+        status = pool_value(fold, image.pool, pooled, value);
+        if (U_FAILURE(status)) return status;
+      }
+    }
+    value |= bits[static_cast<std::size_t>(c)];
     if (value != 0) umutablecptrie_set(values.getAlias(), c, value, &status);
   }
   icu::LocalUCPTriePointer trie(umutablecptrie_buildImmutable(values.getAlias(), UCPTRIE_TYPE_FAST,
@@ -293,6 +420,69 @@ UErrorCode build_fold_table(fold_table_image& image) {
   status = U_ZERO_ERROR;
   image.trie.assign(static_cast<std::size_t>(size), 0);
   ucptrie_toBinary(trie.getAlias(), image.trie.data(), size, &status);
+  return status;
+}
+
+}  // namespace
+
+UErrorCode build_fold_tables(fold_tables_image& image) {
+  UErrorCode status = U_ZERO_ERROR;
+  const UNormalizer2* nfc = unorm2_getNFCInstance(&status);
+  icu::LocalUCollatorPointer collator(ucol_open("", &status));
+  const std::unique_ptr<UCollationElements, decltype(&ucol_closeElements)> elements(
+      ucol_openElements(collator.getAlias(), nullptr, 0, &status), &ucol_closeElements);
+  const std::uint32_t variable_top = ucol_getVariableTop(collator.getAlias(), &status);
+  if (U_FAILURE(status)) return status;
+
+  element_table table;
+  table.elements.reserve(1200000);
+  for (UChar32 c = 0; c < kCodePoints; ++c) {
+    table.first[static_cast<std::size_t>(c)] = static_cast<std::uint32_t>(table.elements.size());
+    if (U_IS_SURROGATE(c)) continue;
+    const std::u16string text = code_point_text(c);
+    collation_elements(elements.get(), text.data(), static_cast<int32_t>(text.size()),
+                       table.elements, status);
+    if (U_FAILURE(status)) return status;
+  }
+  table.first[kCodePoints] = static_cast<std::uint32_t>(table.elements.size());
+
+  std::set<UChar32> prevowels;
+  status = prevowel_contractions(collator.getAlias(), nfc, prevowels, image.prevowel_pairs);
+  if (U_FAILURE(status)) return status;
+  std::vector<std::uint32_t> bits;
+  status = character_bits(prevowels, bits);
+  if (U_FAILURE(status)) return status;
+
+  const element_reader primary_reader(fold_variant{}, variable_top);
+  const representatives primary(table, primary_reader);
+  for (int index = 0; index < fold_variant::count; ++index) {
+    const fold_variant variant = fold_variant::at(index);
+    const bool lists_composites = variant == fold_variant{true, false, false};
+    status = build_variant(table, element_reader(variant, variable_top), bits,
+                           image.tables[static_cast<std::size_t>(index)], &primary,
+                           lists_composites ? &image.composites : nullptr);
+    if (U_FAILURE(status)) return status;
+  }
+
+  // Characters whose primary elements mix punctuation with other elements.
+  image.dropped_starts.clear();
+  image.variable_ends.clear();
+  for (UChar32 c = 0; c < kCodePoints; ++c) {
+    if (U_IS_SURROGATE(c)) continue;
+    int variable_first = -1;
+    bool variable_last = false;
+    bool other = false;
+    for (const collation_element* e = table.begin(c); e != table.end(c); ++e) {
+      if (e->primary == 0) continue;
+      const bool variable = primary_reader.variable(*e);
+      if (variable_first < 0) variable_first = variable ? 1 : 0;
+      variable_last = variable;
+      other = other || !variable;
+    }
+    if (!other) continue;
+    if (variable_first == 1) image.dropped_starts.push_back(static_cast<char32_t>(c));
+    if (variable_last) image.variable_ends.push_back(static_cast<char32_t>(c));
+  }
   return status;
 }
 

@@ -1,12 +1,13 @@
-// Computes the fold table from the running ICU: its root collator, its
+// Computes the fold tables from the running ICU: its root collator, its
 // normalisation data and its character break rules.
 //
-// The library's table is computed at build time by fold_table_gen, with this
-// code, against the ICU it links; the same code builds it at run time when
+// The library's tables are computed at build time by fold_table_gen, with this
+// code, against the ICU it links; the same code builds them at run time when
 // the ICU found then is not that one.
 #ifndef SCL_REGEX_SRC_SEARCH_FOLD_TABLE_BUILD_H
 #define SCL_REGEX_SRC_SEARCH_FOLD_TABLE_BUILD_H
 
+#include <array>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -14,21 +15,32 @@
 #include <unicode/utypes.h>
 
 #include "search/fold_value.h"
+#include "search/fold_variant.h"
 
 namespace scl::regex::detail {
 
-// The table in the form that is stored: values as in fold_value.h.
+// One variant's table in the form that is stored: values as in fold_value.h.
 struct fold_table_image {
   std::vector<std::uint8_t> trie;  // a serialised UCPTrie: fast type, 32-bit values
   std::u16string pool;             // the folds of more than one code point
+};
+
+struct fold_tables_image {
+  std::array<fold_table_image, fold_variant::count> tables;  // by fold_variant::index()
   // (prevowel, next) for every root contraction that starts with a
   // Logical_Order_Exception prevowel and that NFC leaves as it is; sorted.
   std::vector<code_point_pair> prevowel_pairs;
+  // Characters whose collation elements start with punctuation and go on
+  // with something else ("⑴"), and those that end so; sorted.
+  std::vector<char32_t> dropped_starts;
+  std::vector<char32_t> variable_ends;
+  // The composite units of the accent tables; sorted by unit.
+  std::vector<composite_unit> composites;
 };
 
-// Builds the table. Returns ICU's error, if any (the image is then unusable).
-// Takes a few hundred milliseconds and some tens of megabytes while it runs.
-UErrorCode build_fold_table(fold_table_image& image);
+// Builds the tables. Returns ICU's error, if any (the image is then unusable).
+// Takes about a second and some tens of megabytes while it runs.
+UErrorCode build_fold_tables(fold_tables_image& image);
 
 }  // namespace scl::regex::detail
 

@@ -1,8 +1,10 @@
-// fold_table_gen OUTPUT.cpp: computes the fold table from the ICU this program
-// runs with and writes it as C++ source (see fold_table_data.h).
+// fold_table_gen OUTPUT.cpp: computes the fold tables from the ICU this
+// program runs with and writes them as C++ source (see fold_table_data.h).
 #include <cstdio>
 #include <fstream>
 #include <iostream>
+#include <string>
+#include <vector>
 
 #include <unicode/uchar.h>
 #include <unicode/uversion.h>
@@ -11,10 +13,29 @@
 
 namespace {
 
+using scl::regex::detail::code_point_pair;
+using scl::regex::detail::composite_unit;
+
 void write_version(std::ostream& out, const char* name, const UVersionInfo version) {
   out << "const std::uint8_t " << name << "[4] = {";
   for (int i = 0; i < 4; ++i) out << (i != 0 ? ", " : "") << static_cast<unsigned>(version[i]);
   out << "};\n";
+}
+
+// Writes `values` as the array `name` (with one entry more, so that it is
+// never empty) and its `count`.
+template <class T, class Write>
+void write_array(std::ostream& out, const char* type, const std::string& name,
+                 const std::vector<T>& values, int per_line, const char* count, Write write) {
+  out << (count != nullptr ? "" : "static ") << "const " << type << ' ' << name << "[] = {";
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    out << (i % static_cast<std::size_t>(per_line) == 0 ? "\n" : "");
+    write(values[i]);
+    out << ',';
+  }
+  out << "\n{}};\n";
+  if (count != nullptr) out << "const std::size_t " << count << " = " << values.size() << ";\n";
+  out << '\n';
 }
 
 }  // namespace
@@ -24,8 +45,8 @@ int main(int argc, char** argv) {
     std::cerr << "usage: fold_table_gen OUTPUT.cpp\n";
     return 2;
   }
-  scl::regex::detail::fold_table_image image;
-  const UErrorCode status = scl::regex::detail::build_fold_table(image);
+  scl::regex::detail::fold_tables_image image;
+  const UErrorCode status = scl::regex::detail::build_fold_tables(image);
   if (U_FAILURE(status)) {
     std::cerr << "fold_table_gen: ICU failed: " << u_errorName(status) << '\n';
     return 1;
@@ -39,24 +60,43 @@ int main(int argc, char** argv) {
   write_version(out, "icu_version", version);
   u_getUnicodeVersion(version);
   write_version(out, "unicode_version", version);
-  out << "\nalignas(16) const std::uint8_t trie[] = {";
-  for (std::size_t i = 0; i < image.trie.size(); ++i) {
-    out << (i % 24 == 0 ? "\n" : "") << static_cast<unsigned>(image.trie[i]) << ',';
+  out << '\n';
+
+  for (std::size_t t = 0; t < image.tables.size(); ++t) {
+    const std::string index = std::to_string(t);
+    out << "alignas(16) ";
+    write_array(out, "std::uint8_t", "trie_" + index, image.tables[t].trie, 24, nullptr,
+                [&](std::uint8_t byte) { out << static_cast<unsigned>(byte); });
+    const std::vector<char16_t> pool(image.tables[t].pool.begin(), image.tables[t].pool.end());
+    write_array(out, "char16_t", "pool_" + index, pool, 16, nullptr,
+                [&](char16_t unit) { out << static_cast<unsigned>(unit); });
   }
-  out << "\n};\nconst std::size_t trie_size = " << image.trie.size() << ";\n\n"
-      << "const char16_t pool[] = {";
-  for (std::size_t i = 0; i < image.pool.size(); ++i) {
-    out << (i % 16 == 0 ? "\n" : "") << static_cast<unsigned>(image.pool[i]) << ',';
+  out << "const table tables[fold_variant::count] = {\n";
+  for (std::size_t t = 0; t < image.tables.size(); ++t) {
+    out << "    {trie_" << t << ", " << image.tables[t].trie.size() << ", pool_" << t << ", "
+        << image.tables[t].pool.size() << "},\n";
   }
-  out << "\n0};\nconst std::size_t pool_size = " << image.pool.size() << ";\n\n"
-      << "const code_point_pair prevowel_pairs[] = {";
-  for (std::size_t i = 0; i < image.prevowel_pairs.size(); ++i) {
-    out << (i % 6 == 0 ? "\n" : "") << '{'
-        << static_cast<unsigned long>(image.prevowel_pairs[i].first) << ", "
-        << static_cast<unsigned long>(image.prevowel_pairs[i].second) << "},";
-  }
-  out << "\n};\nconst std::size_t prevowel_pair_count = " << image.prevowel_pairs.size()
-      << ";\n\n}  // namespace scl::regex::detail::fold_table_data\n";
+  out << "};\n\n";
+
+  write_array(out, "code_point_pair", "prevowel_pairs", image.prevowel_pairs, 6,
+              "prevowel_pair_count", [&](const code_point_pair& pair) {
+                out << '{' << static_cast<unsigned long>(pair.first) << ", "
+                    << static_cast<unsigned long>(pair.second) << '}';
+              });
+  auto code_point = [&](char32_t c) { out << static_cast<unsigned long>(c); };
+  write_array(out, "char32_t", "dropped_starts", image.dropped_starts, 12, "dropped_start_count",
+              code_point);
+  write_array(out, "char32_t", "variable_ends", image.variable_ends, 12, "variable_end_count",
+              code_point);
+  write_array(out, "composite_unit", "composites", image.composites, 1, "composite_count",
+              [&](const composite_unit& unit) {
+                out << '{' << static_cast<unsigned long>(unit.unit) << ", " << unit.count << ", {";
+                for (int i = 0; i < composite_unit::max_elements; ++i) {
+                  out << (i != 0 ? ", " : "") << static_cast<unsigned long>(unit.primaries[i]);
+                }
+                out << "}, " << unit.common_secondary << '}';
+              });
+  out << "}  // namespace scl::regex::detail::fold_table_data\n";
   out.close();
   if (!out) {
     std::cerr << "fold_table_gen: cannot write " << argv[1] << '\n';

@@ -46,6 +46,18 @@ struct code_point_pair {
   char32_t second;
 };
 
+// A character of folded text (with accents, without case) that stands for
+// more than one collation element, because one of its elements has no
+// character of its own: "\u00df" for an s with a secondary weight of its own
+// followed by an s.
+struct composite_unit {
+  static constexpr int max_elements = 4;
+  char32_t unit;
+  std::uint32_t count;               // its elements
+  char32_t primaries[max_elements];  // each element's fold without accents (0: an accent)
+  std::uint32_t common_secondary;    // bit i: element i has the common secondary weight
+};
+
 namespace fold_value {
 
 constexpr int kind_shift = 30;
