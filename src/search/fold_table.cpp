@@ -9,6 +9,7 @@
 #include <unicode/uversion.h>
 
 #include "scl/regex/exception.h"
+#include "search/code_points.h"
 #include "search/fold_table_build.h"
 #include "search/fold_table_data.h"
 
@@ -144,6 +145,23 @@ bool listed(const char32_t* list, std::size_t count, UChar32 c) {
 
 UChar32 fold_table::fold_run(UChar32 start, std::uint32_t& fold) const {
   return ucptrie_getRange(trie_, start, UCPMAP_RANGE_NORMAL, 0, fold_only, nullptr, &fold);
+}
+
+void fold_table::append_fold(UChar32 c, std::u16string& out) const {
+  const std::uint32_t value = this->value(c);
+  switch (fold_value::kind(value)) {
+    case fold_kind::self:
+      append_code_point(out, c);
+      break;
+    case fold_kind::delta:
+      append_code_point(out, c + fold_value::delta(value));
+      break;
+    case fold_kind::pool:
+      out.append(pool_ + fold_value::pool_offset(value), fold_value::pool_length(value));
+      break;
+    case fold_kind::nothing:
+      break;
+  }
 }
 
 bool fold_table::contracts(UChar32 prevowel, UChar32 next) const {

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <string>
 
 #include <unicode/ucptrie.h>
 #include <unicode/unorm2.h>
@@ -55,6 +56,9 @@ class fold_table {
   // its kind and payload.
   UChar32 fold_run(UChar32 start, std::uint32_t& fold) const;
   const UNormalizer2* nfc() const { return nfc_; }
+
+  // Appends the fold of `c` alone to `out`.
+  void append_fold(UChar32 c, std::u16string& out) const;
 
   // Whether `prevowel` and `next` form a root contraction that NFC leaves alone.
   bool contracts(UChar32 prevowel, UChar32 next) const;

@@ -48,7 +48,12 @@ template <class Unit>
 class folder {
  public:
   folder(const fold_table& table, const Unit* text, int32_t size, folded_text& out)
-      : table_(table), text_(text), size_(size), out_(out) {
+      : table_(table),
+        root_(fold_table::get()),
+        accents_(table.variant().accents),
+        text_(text),
+        size_(size),
+        out_(out) {
     out_.size = 0;
     out_.source_size = size;
     out_.empty_pieces.clear();
@@ -89,7 +94,7 @@ class folder {
       if (check && out_of_nfc(c, value)) return start;
       previous_combining_ = fold_value::combining(value);
       out_.reserve_more(longest_fold);
-      fold_code_point(c, value, start);
+      fold_code_point(c, value, start, at);
     }
     return at;
   }
@@ -186,7 +191,8 @@ class folder {
       }
       const fold_kind kind = fold_value::kind(value);
       if ((value & (fold_value::needs_nfc_bit | fold_value::combining_bit)) != 0 ||
-          (kind != fold_kind::self && kind != fold_kind::delta) || c == middle_dot) {
+          (kind != fold_kind::self && kind != fold_kind::delta) || c == middle_dot ||
+          (accents_ && extends_grapheme(fold_value::klass(value)))) {
         at = start;
         break;
       }
@@ -268,16 +274,84 @@ class folder {
     last_piece_empty_ = true;
   }
 
-  // Folds `c`, which starts at `at`, as a piece of its own, or joins it to the
-  // piece before it.
-  void fold_code_point(UChar32 c, std::uint32_t value, int32_t at) {
-    const bool contracted_dot = c == middle_dot && is_l(previous_);
-    if (!contracted_dot && put_fold(c, value, at)) {
+  // Folds `c`, which starts at `at` and ends at `end`, as a piece of its own,
+  // or joins it to the piece before it.
+  void fold_code_point(UChar32 c, std::uint32_t value, int32_t at, int32_t end) {
+    if (c == middle_dot && is_l(previous_)) {
+      // The root collator's "l\u00b7": with accents it reads as "\u0140", one
+      // piece; without, the dot is ignored, a piece of its own.
+      if (accents_ && out_.size > 0 && !last_piece_empty_) {
+        contract_middle_dot(previous_);
+      } else {
+        empty_piece(at);
+      }
+    } else if (accents_ && primary_ignorable(c) && fold_value::kind(value) != fold_kind::nothing) {
+      fold_accent(c, value, at, end);
+    } else if (put_fold(c, value, at)) {
       last_piece_empty_ = false;
-    } else if (contracted_dot || !joins_previous(fold_value::klass(value))) {
+    } else if (!joins_previous(fold_value::klass(value))) {
       empty_piece(at);
     }
     previous_ = c;
+  }
+
+  // An accent, with accents counting: it joins the piece before it where a
+  // character that folds to nothing would; after punctuation that "shifted"
+  // ignores, it is ignored too.
+  void fold_accent(UChar32 c, std::uint32_t value, int32_t at, int32_t end) {
+    const bool joins = joins_previous(fold_value::klass(value));
+    if (table_.variant().shifted && after_variable(at, end)) {
+      if (!joins) empty_piece(at);
+      return;
+    }
+    if (!joins) {
+      put_fold(c, value, at);
+      last_piece_empty_ = false;
+      return;
+    }
+    put_fold(c, value, out_.origin[out_.size - 1]);
+  }
+
+  // Replaces the fold of the "l" or "L" just folded by that of the letter
+  // with the middle dot, which the dot then joins.
+  void contract_middle_dot(UChar32 l) {
+    const UChar32 dotted = l == u'l' ? 0x140 : 0x13F;
+    const int32_t origin = out_.origin[out_.size - 1];
+    --out_.size;
+    put_fold(dotted, table_.value(dotted), origin);
+  }
+
+  // Whether the root collator reads `c` as nothing at primary strength.
+  bool primary_ignorable(UChar32 c) const {
+    return fold_value::kind(root_.value(c)) == fold_kind::nothing;
+  }
+
+  // Whether "shifted" ignores `c`: a space or punctuation.
+  bool variable(UChar32 c) const {
+    return fold_value::kind(table_.value(c)) == fold_kind::nothing && !primary_ignorable(c);
+  }
+
+  // Whether the character at [at, end), which the root collator reads as
+  // nothing at primary strength, comes after punctuation with nothing but
+  // such characters between: "shifted" ignores it then. What was found
+  // last is remembered, so that a run of such characters is read once.
+  bool after_variable(int32_t at, int32_t end) {
+    bool after = false;
+    for (int32_t position = at; position > 0;) {
+      if (position == variable_known_at_) {
+        after = variable_known_;
+        break;
+      }
+      const UChar32 c = previous_code_point(text_, position);
+      if (variable(c) || table_.variable_end(c)) {
+        after = true;
+        break;
+      }
+      if (!primary_ignorable(c)) break;
+    }
+    variable_known_at_ = end;
+    variable_known_ = after;
+    return after;
   }
 
   // Whether NFC gives `segment` back as it is, settled without normalising
@@ -353,10 +427,19 @@ class folder {
     const UChar32 first = code_point_at(normalised_.data(), 0, length);
     const int32_t before = out_.size;
     UChar32 previous = previous_;
+    const bool shifted_accents = accents_ && table_.variant().shifted;
+    bool after_punctuation = shifted_accents && after_variable(start, start);
     for (int32_t k = 0; k < length;) {
       const UChar32 c = next_code_point(normalised_.data(), k, length);
       out_.reserve_more(longest_fold);
-      if (!(c == middle_dot && is_l(previous))) put_fold(c, table_.value(c), start);
+      if (c == middle_dot && is_l(previous)) {
+        if (accents_ && out_.size > before) contract_middle_dot(previous);
+      } else if (!(after_punctuation && primary_ignorable(c))) {
+        put_fold(c, table_.value(c), start);
+      }
+      if (shifted_accents && !primary_ignorable(c)) {
+        after_punctuation = variable(c) || table_.variable_end(c);
+      }
       previous = c;
     }
     if (out_.size > before) {
@@ -370,9 +453,13 @@ class folder {
   }
 
   const fold_table& table_;
+  const fold_table& root_;  // the root collator's table, at primary strength
+  bool accents_;            // whether the table keeps accents
   const Unit* text_;
   int32_t size_;
   folded_text& out_;
+  int32_t variable_known_at_ = -1;  // where after_variable last looked, and what it found
+  bool variable_known_ = false;
   UChar32 previous_ = -1;            // the code point before the next one to fold
   bool previous_combining_ = false;  // whether its combining class is not 0
   bool last_piece_empty_ = false;    // whether the last piece folded to nothing

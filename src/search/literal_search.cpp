@@ -18,8 +18,11 @@ constexpr int rejections_per_check = 4096;
 template <class Unit>
 class literal_finder {
  public:
-  literal_finder(const fold_table& table, const Unit* source, const folded_text& folded)
-      : rules_(table, source, folded), folded_(folded) {}
+  literal_finder(const literal_search& search, const Unit* source, const folded_text& folded)
+      : rules_(search.table, source, folded, search.policy),
+        accents_(search.accents),
+        source_(source),
+        folded_(folded) {}
 
   int32_t run(const literal_query& literal, int32_t from, int32_t final_units, bool last,
               std::size_t limit, std::vector<source_span>& out) const {
@@ -46,7 +49,8 @@ class literal_finder {
       source_span span{};
       if ((length <= 2 ||
            std::memcmp(hit + 2, query.data() + 2, static_cast<std::size_t>(length - 2) * 2) == 0) &&
-          rules_.accepts(start, end, span) && pairs_agree(literal, meetings, start)) {
+          rules_.accepts(start, end, span) && pairs_agree(literal, meetings, start) &&
+          has_typed_accents(span, out)) {
         out.push_back(span);
         from = end;
       } else {
@@ -74,24 +78,36 @@ class literal_finder {
     return true;
   }
 
+  // With diacritics matched where typed: whether the match has the query's
+  // accents; it then starts with the text's accents before it, as ICU's does.
+  bool has_typed_accents(source_span& span, const std::vector<source_span>& out) const {
+    if (accents_ == nullptr) return true;
+    if (!accents_->accepts(source_, span.start, span.end)) return false;
+    span.start = accents_->leading_start(source_, span.start, out.empty() ? 0 : out.back().end,
+                                         [this](int32_t at) { return rules_.starts_cluster(at); });
+    return true;
+  }
+
   match_rules<Unit> rules_;
+  const typed_accents* accents_;
+  const Unit* source_;
   const folded_text& folded_;
 };
 
 }  // namespace
 
-int32_t find_literal(const fold_table& table, const literal_query& query, const char16_t* source,
+int32_t find_literal(const literal_search& search, const char16_t* source,
                      const folded_text& folded, int32_t from, int32_t final_units, bool last,
                      std::size_t limit, std::vector<source_span>& out) {
-  return literal_finder<char16_t>(table, source, folded)
-      .run(query, from, final_units, last, limit, out);
+  return literal_finder<char16_t>(search, source, folded)
+      .run(search.query, from, final_units, last, limit, out);
 }
 
-int32_t find_literal(const fold_table& table, const literal_query& query, const char* source,
-                     const folded_text& folded, int32_t from, int32_t final_units, bool last,
-                     std::size_t limit, std::vector<source_span>& out) {
-  return literal_finder<char>(table, source, folded)
-      .run(query, from, final_units, last, limit, out);
+int32_t find_literal(const literal_search& search, const char* source, const folded_text& folded,
+                     int32_t from, int32_t final_units, bool last, std::size_t limit,
+                     std::vector<source_span>& out) {
+  return literal_finder<char>(search, source, folded)
+      .run(search.query, from, final_units, last, limit, out);
 }
 
 }  // namespace scl::regex::detail

@@ -14,6 +14,7 @@
 #include "search/fold_table.h"
 #include "search/folded_text.h"
 #include "search/match_rules.h"
+#include "search/typed_accents.h"
 
 namespace scl::regex::detail {
 
@@ -34,18 +35,26 @@ struct literal_query {
   }
 };
 
-// Appends to `out` the matches of `query` (folded, not empty) in `source`,
+// A literal search: the folded query, and what options add to its matches.
+struct literal_search {
+  const fold_table& table;   // the fold of the text and the query
+  const literal_query& query;
+  const typed_accents* accents;  // diacritics matched where typed: each match's check
+  match_policy policy;
+};
+
+// Appends to `out` the matches of the query (folded, not empty) in `source`,
 // folded as `folded`, going on from folded unit `from` without overlap, until
 // `out` holds `limit` matches. While the fold is not complete (`last` false),
 // only matches that end before unit `final_units` are taken. Returns where the
 // next call goes on. Stops at the calling thread's match_time_limit by
 // throwing regex_exception(U_REGEX_TIME_OUT).
-int32_t find_literal(const fold_table& table, const literal_query& query, const char16_t* source,
+int32_t find_literal(const literal_search& search, const char16_t* source,
                      const folded_text& folded, int32_t from, int32_t final_units, bool last,
                      std::size_t limit, std::vector<source_span>& out);
-int32_t find_literal(const fold_table& table, const literal_query& query, const char* source,
-                     const folded_text& folded, int32_t from, int32_t final_units, bool last,
-                     std::size_t limit, std::vector<source_span>& out);
+int32_t find_literal(const literal_search& search, const char* source, const folded_text& folded,
+                     int32_t from, int32_t final_units, bool last, std::size_t limit,
+                     std::vector<source_span>& out);
 
 }  // namespace scl::regex::detail
 

@@ -5,6 +5,14 @@
 // source, has no edge between a prevowel and the character it contracts
 // with, and does not end between two characters that canonical reordering
 // could swap. An empty match sits between pieces.
+//
+// Options add rules (match_policy). With "shifted", a character whose
+// collation elements start with punctuation that is ignored ("\u2474", "(1)")
+// can neither start a match nor come right after one, as in ICU's usearch,
+// which reads what is left of it as the inside of an expansion. With whole
+// words, a match starts on a word boundary instead of a grapheme boundary,
+// and ends on one: where its last piece ends on none, the match takes in what
+// folds to nothing up to the next boundary, or is no match.
 #ifndef SCL_REGEX_SRC_SEARCH_MATCH_RULES_H
 #define SCL_REGEX_SRC_SEARCH_MATCH_RULES_H
 
@@ -16,6 +24,7 @@
 #include "search/fold_table.h"
 #include "search/folded_text.h"
 #include "search/grapheme_boundary.h"
+#include "search/word_breaks.h"
 
 namespace scl::regex::detail {
 
@@ -25,11 +34,19 @@ struct source_span {
   int32_t end;
 };
 
+// The rules that options add.
+struct match_policy {
+  bool shifted = false;                // spaces and punctuation are ignored
+  const word_breaks* words = nullptr;  // whole words: the source's word boundaries
+};
+
 template <class Unit>
 class match_rules {
  public:
-  match_rules(const fold_table& table, const Unit* source, const folded_text& folded)
-      : table_(table), source_(source), size_(folded.source_size), folded_(folded) {}
+  match_rules(const fold_table& table, const Unit* source, const folded_text& folded,
+              match_policy policy = {})
+      : table_(table), source_(source), size_(folded.source_size), folded_(folded),
+        policy_(policy) {}
 
   // Whether folded units [start, end) (start < end) make a match, and where
   // it is in the source.
@@ -37,16 +54,28 @@ class match_rules {
     if (!folded_.starts_piece(start) || !folded_.ends_piece(end)) return false;
     span.start = folded_.origin[start];
     span.end = folded_.piece_end(end);
-    if (!grapheme_boundary(table_, source_, size_, span.start)) return false;
+    if (!starts_cluster(span.start)) return false;
     if (inside_contraction(span.start) || inside_contraction(span.end)) return false;
-    return !splits_marks(span.end);
+    if (splits_marks(span.end)) return false;
+    if (policy_.shifted && (dropped_start_at(span.start) || (end < folded_.size &&
+                                                             dropped_start_at(folded_.origin[end])))) {
+      return false;
+    }
+    return policy_.words == nullptr || ends_word(end, span);
   }
 
   // Whether an empty match at folded position `at` is one, and where it is.
   bool accepts_empty(int32_t at, source_span& span) const {
     if (at > 0 && at < folded_.size && !folded_.starts_piece(at)) return false;
     span.start = span.end = source_position(at);
-    return grapheme_boundary(table_, source_, size_, span.start) && !inside_contraction(span.start);
+    return starts_cluster(span.start) && !inside_contraction(span.start);
+  }
+
+  // Whether a match may start at `at`: on a grapheme boundary, or with whole
+  // words on a word boundary.
+  bool starts_cluster(int32_t at) const {
+    return policy_.words != nullptr ? policy_.words->is_boundary(at)
+                                    : grapheme_boundary(table_, source_, size_, at);
   }
 
   // The source range of folded units [start, end), widened to whole pieces.
@@ -65,6 +94,21 @@ class match_rules {
   int32_t source_position(int32_t at) const {
     if (at == 0) return 0;
     return at < folded_.size ? folded_.origin[at] : size_;
+  }
+
+  bool dropped_start_at(int32_t at) const {
+    return at < size_ && table_.dropped_start(code_point_at(source_, at, size_));
+  }
+
+  // With whole words: whether the match of folded units up to `end` ends on
+  // a word boundary, moving span.end to it over what folds to nothing.
+  bool ends_word(int32_t end, source_span& span) const {
+    if (policy_.words->is_boundary(span.end)) return true;
+    const int32_t boundary = policy_.words->following(span.end);
+    const int32_t next_piece = end < folded_.size ? folded_.origin[end] : size_;
+    if (boundary > next_piece) return false;
+    span.end = boundary;
+    return true;
   }
 
   // Whether `at` falls between a prevowel and the character it contracts with.
@@ -91,6 +135,7 @@ class match_rules {
   const Unit* source_;
   int32_t size_;
   const folded_text& folded_;
+  match_policy policy_;
 };
 
 }  // namespace scl::regex::detail

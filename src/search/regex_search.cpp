@@ -43,7 +43,8 @@ void conceal_false_pairs(folded_text& folded) {
 
 template <class Unit>
 void find(const fold_table& table, const icu::RegexPattern& pattern, std::u16string_view prefix,
-          const Unit* source, folded_text& folded, std::size_t limit, regex_matches& out) {
+          match_policy policy, const Unit* source, folded_text& folded, std::size_t limit,
+          regex_matches& out) {
   UErrorCode status = U_ZERO_ERROR;
   const std::unique_ptr<icu::RegexMatcher> matcher = new_matcher(pattern, status);
   throw_if_failed(status);
@@ -58,7 +59,7 @@ void find(const fold_table& table, const icu::RegexPattern& pattern, std::u16str
   matcher->reset(&text);
   throw_if_failed(status);
 
-  const match_rules<Unit> rules(table, source, folded);
+  const match_rules<Unit> rules(table, source, folded, policy);
   const char16_t* units = folded.units.data();
   const auto size = static_cast<std::size_t>(folded.size);
   // With a prefix, every search starts where it occurs; without, a search
@@ -110,15 +111,15 @@ void find(const fold_table& table, const icu::RegexPattern& pattern, std::u16str
 }  // namespace
 
 void find_regex(const fold_table& table, const icu::RegexPattern& pattern,
-                std::u16string_view prefix, const char16_t* source, folded_text& folded,
-                std::size_t limit, regex_matches& out) {
-  find(table, pattern, prefix, source, folded, limit, out);
+                std::u16string_view prefix, match_policy policy, const char16_t* source,
+                folded_text& folded, std::size_t limit, regex_matches& out) {
+  find(table, pattern, prefix, policy, source, folded, limit, out);
 }
 
 void find_regex(const fold_table& table, const icu::RegexPattern& pattern,
-                std::u16string_view prefix, const char* source, folded_text& folded,
-                std::size_t limit, regex_matches& out) {
-  find(table, pattern, prefix, source, folded, limit, out);
+                std::u16string_view prefix, match_policy policy, const char* source,
+                folded_text& folded, std::size_t limit, regex_matches& out) {
+  find(table, pattern, prefix, policy, source, folded, limit, out);
 }
 
 }  // namespace scl::regex::detail

@@ -33,12 +33,13 @@ struct regex_matches {
 // match starts with: ICU is asked to search only from where it occurs. ICU's matches that break the
 // rules are skipped, and the search goes on from the next piece. Throws regex_exception:
 // U_REGEX_TIME_OUT when the calling thread's match_time_limit stops the search, or ICU's code.
+// `policy` adds the rules of the search's options.
 void find_regex(const fold_table& table, const icu::RegexPattern& pattern,
-                std::u16string_view prefix, const char16_t* source, folded_text& folded,
-                std::size_t limit, regex_matches& out);
+                std::u16string_view prefix, match_policy policy, const char16_t* source,
+                folded_text& folded, std::size_t limit, regex_matches& out);
 void find_regex(const fold_table& table, const icu::RegexPattern& pattern,
-                std::u16string_view prefix, const char* source, folded_text& folded,
-                std::size_t limit, regex_matches& out);
+                std::u16string_view prefix, match_policy policy, const char* source,
+                folded_text& folded, std::size_t limit, regex_matches& out);
 
 }  // namespace scl::regex::detail
 

@@ -9,6 +9,7 @@
 #include "scl/regex/search_pattern.h"
 #include "search/fold_table.h"
 #include "search/folded_text.h"
+#include "search/search_settings.h"
 
 namespace scl::regex {
 
@@ -69,10 +70,13 @@ std::vector<detail::map_stretch> stretches(const detail::folded_text& folded,
 
 }  // namespace
 
-prepared_text search_fold(std::u16string_view text) {
+prepared_text search_fold(std::u16string_view text) { return search_fold(text, search_options{}); }
+
+prepared_text search_fold(std::u16string_view text, const search_options& options) {
+  detail::search_settings::validate(options);
   detail::folded_text folded;
-  detail::fold_text(detail::fold_table::get(), text.data(), detail::icu_length(text.size()), false,
-                    folded);
+  detail::fold_text(detail::fold_table::get(detail::search_settings::text_fold(options)),
+                    text.data(), detail::icu_length(text.size()), false, folded);
   return detail::prepared_text_builder::assemble(std::u16string(folded.text()), text.size(),
                                                  stretches(folded, text));
 }

@@ -17,6 +17,9 @@
 #include "search/literal_search.h"
 #include "search/pattern_fold.h"
 #include "search/regex_search.h"
+#include "search/search_settings.h"
+#include "search/typed_accents.h"
+#include "search/word_breaks.h"
 #include "time_limit/deadline.h"
 
 namespace scl::regex {
@@ -26,9 +29,13 @@ namespace detail {
 // What a search_pattern shares between its copies.
 struct search_program {
   query_syntax syntax = query_syntax::literal;
+  search_options options;
+  search_settings settings;
   // A literal query folded, or a regex query that is literal characters alone
   // (then ICU would find what literal search finds): searched as such.
   literal_query query;
+  // With diacritics matched where typed, the literal query's accents.
+  typed_accents accents;
   // A regex query: ICU's pattern for its fold, and the folded units that
   // start every match.
   shared_pattern pattern;
@@ -50,12 +57,26 @@ struct compiled_query {
   std::size_t offset = npos;
 };
 
-compiled_query compile_literal(std::u16string_view query) {
+// A new program for `options`, searching a query of `syntax`.
+std::shared_ptr<detail::search_program> new_program(query_syntax syntax,
+                                                    const search_options& options) {
   auto program = std::make_shared<detail::search_program>();
+  program->syntax = syntax;
+  program->options = options;
+  program->settings = detail::search_settings::of(options, syntax);
+  return program;
+}
+
+compiled_query compile_literal(std::u16string_view query, const search_options& options) {
+  auto program = new_program(query_syntax::literal, options);
+  const detail::search_settings& settings = program->settings;
   detail::folded_text folded;
-  detail::fold_text(detail::fold_table::get(), query.data(), detail::icu_length(query.size()),
-                    false, folded);
+  detail::fold_text(detail::fold_table::get(settings.fold), query.data(),
+                    detail::icu_length(query.size()), false, folded);
   program->query = detail::literal_query::of(folded);
+  if (settings.typed_accents) {
+    program->accents = detail::typed_accents(detail::fold_table::get(settings.accents), query);
+  }
   return compiled_query{std::move(program), std::nullopt, npos};
 }
 
@@ -67,21 +88,21 @@ std::size_t error_offset(const std::u16string& pattern, const detail::compiled_p
 // A regex query: ICU must compile it as it stands (so that its errors are
 // ICU's, at ICU's offsets), then its fold, which ICU runs on folded text.
 // "." matches line ends, as everywhere in the library.
-compiled_query compile_regex(std::u16string_view query) {
+compiled_query compile_regex(std::u16string_view query, const search_options& options) {
   const detail::compiled_pattern as_written = detail::compile_prepared(query, 0);
   if (!as_written) {
     return compiled_query{nullptr, as_written.error(),
                           error_offset(std::u16string(query), as_written)};
   }
-  const detail::folded_pattern folded = detail::fold_pattern(detail::fold_table::get(), query);
+  auto program = new_program(query_syntax::regex, options);
+  const detail::folded_pattern folded =
+      detail::fold_pattern(detail::fold_table::get(program->settings.fold), query);
   const detail::compiled_pattern compiled = detail::compile_prepared(folded.text, 0);
   if (!compiled) {
     const std::size_t at = error_offset(folded.text, compiled);
     return compiled_query{nullptr, compiled.error(),
                           at == npos ? npos : static_cast<std::size_t>(folded.source_offset(at))};
   }
-  auto program = std::make_shared<detail::search_program>();
-  program->syntax = query_syntax::regex;
   program->pattern = compiled.pattern;
   program->prefix = folded.prefix;
   if (folded.literal) program->query = folded.literal_fold;
@@ -93,13 +114,19 @@ compiled_query compile_regex(std::u16string_view query) {
   return compiled_query{std::move(program), std::nullopt, npos};
 }
 
-compiled_query compile_query(std::u16string_view query, query_syntax syntax) {
-  return syntax == query_syntax::regex ? compile_regex(query) : compile_literal(query);
+// The query compiled, or why it cannot be; options that are out of range
+// throw.
+compiled_query compile_query(std::u16string_view query, query_syntax syntax,
+                             const search_options& options) {
+  detail::search_settings::validate(options);
+  return syntax == query_syntax::regex ? compile_regex(query, options)
+                                       : compile_literal(query, options);
 }
 
 std::shared_ptr<const detail::search_program> compile(std::u16string_view query,
-                                                      query_syntax syntax) {
-  compiled_query compiled = compile_query(query, syntax);
+                                                      query_syntax syntax,
+                                                      const search_options& options) {
+  compiled_query compiled = compile_query(query, syntax, options);
   if (compiled.error) throw *compiled.error;
   return std::move(compiled.program);
 }
@@ -119,9 +146,15 @@ std::size_t utf8_offset(std::string_view utf8, std::size_t at) {
 // caller's units as `to_caller` maps a UTF-16 offset in `query`.
 template <class OffsetMap>
 std::optional<pattern_error> check_query(std::u16string_view query, query_syntax syntax,
-                                         OffsetMap to_caller) {
+                                         const search_options& options, OffsetMap to_caller) {
+  try {
+    detail::search_settings::validate(options);
+  } catch (const regex_exception& error) {
+    return pattern_error{error, npos,
+                         detail::describe_pattern_error(error, std::u16string(query), npos, npos)};
+  }
   if (syntax == query_syntax::literal) return std::nullopt;  // never fails
-  const compiled_query compiled = compile_query(query, syntax);
+  const compiled_query compiled = compile_query(query, syntax, options);
   if (!compiled.error) return std::nullopt;
   const std::size_t offset = compiled.offset == npos ? npos : to_caller(compiled.offset);
   return pattern_error{*compiled.error, offset,
@@ -154,33 +187,37 @@ detail::regex_matches search(const detail::search_program* program,
   UErrorCode status = U_ZERO_ERROR;
   detail::check_deadline(status);
   if (U_FAILURE(status)) throw regex_exception(status);
-  const detail::fold_table& table = detail::fold_table::get();
+  const detail::search_settings& settings = program->settings;
+  const detail::fold_table& table = detail::fold_table::get(settings.fold);
   const scratch_text scratch;
   detail::folded_text& folded = scratch_text::text();
   const int32_t size = detail::icu_length(text.size());
+  std::optional<detail::word_breaks> words;
+  if (settings.whole_words) words.emplace(text.data(), size);
+  const detail::match_policy policy{settings.fold.shifted, words ? &*words : nullptr};
   if (program->query.units.empty()) {
     // A regex may look anywhere: the whole text is folded first.
     detail::fold_text(table, text.data(), size, true, folded);
-    detail::find_regex(table, *program->pattern, program->prefix, text.data(), folded, limit,
-                       found);
+    detail::find_regex(table, *program->pattern, program->prefix, policy, text.data(), folded,
+                       limit, found);
     return found;
   }
   // The search follows the fold, so that it can stop at the first match. (One
   // reference captured: std::function keeps it without allocating.)
+  const detail::literal_search literal{table, program->query,
+                                       settings.typed_accents ? &program->accents : nullptr, policy};
   struct {
-    const detail::fold_table& table;
-    const detail::search_program& program;
+    const detail::literal_search& literal;
     std::basic_string_view<Unit> text;
     const detail::folded_text& folded;
     std::size_t limit;
     std::vector<source_span>& spans;
     int32_t from;
-  } state{table, *program, text, folded, limit, found.spans, 0};
+  } state{literal, text, folded, limit, found.spans, 0};
   detail::fold_text(
       table, text.data(), size, true, folded, [&state](int32_t final_units, bool last) {
-        state.from =
-            detail::find_literal(state.table, state.program.query, state.text.data(), state.folded,
-                                 state.from, final_units, last, state.limit, state.spans);
+        state.from = detail::find_literal(state.literal, state.text.data(), state.folded,
+                                          state.from, final_units, last, state.limit, state.spans);
         return state.spans.size() >= state.limit;
       });
   return found;
@@ -295,10 +332,18 @@ std::basic_string<Unit> replace(const detail::search_program* program,
 search_pattern::search_pattern() = default;
 
 search_pattern::search_pattern(std::u16string_view query, query_syntax syntax)
-    : program_(compile(query, syntax)) {}
+    : search_pattern(query, syntax, search_options{}) {}
 
 search_pattern::search_pattern(std::string_view utf8_query, query_syntax syntax)
-    : program_(compile(detail::i18n::utf8_to_ustring(std::string(utf8_query)), syntax)) {}
+    : search_pattern(utf8_query, syntax, search_options{}) {}
+
+search_pattern::search_pattern(std::u16string_view query, query_syntax syntax,
+                               const search_options& options)
+    : program_(compile(query, syntax, options)) {}
+
+search_pattern::search_pattern(std::string_view utf8_query, query_syntax syntax,
+                               const search_options& options)
+    : program_(compile(detail::i18n::utf8_to_ustring(std::string(utf8_query)), syntax, options)) {}
 
 search_pattern::search_pattern(const search_pattern&) noexcept = default;
 search_pattern::search_pattern(search_pattern&&) noexcept = default;
@@ -307,17 +352,33 @@ search_pattern& search_pattern::operator=(search_pattern&&) noexcept = default;
 search_pattern::~search_pattern() = default;
 
 std::optional<pattern_error> search_pattern::check(std::u16string_view query, query_syntax syntax) {
-  return check_query(query, syntax, [](std::size_t at) { return at; });
+  return check(query, syntax, search_options{});
 }
 
 std::optional<pattern_error> search_pattern::check(std::string_view utf8_query,
                                                    query_syntax syntax) {
-  return check_query(detail::i18n::utf8_to_ustring(std::string(utf8_query)), syntax,
+  return check(utf8_query, syntax, search_options{});
+}
+
+std::optional<pattern_error> search_pattern::check(std::u16string_view query, query_syntax syntax,
+                                                   const search_options& options) {
+  return check_query(query, syntax, options, [](std::size_t at) { return at; });
+}
+
+std::optional<pattern_error> search_pattern::check(std::string_view utf8_query,
+                                                   query_syntax syntax,
+                                                   const search_options& options) {
+  return check_query(detail::i18n::utf8_to_ustring(std::string(utf8_query)), syntax, options,
                      [utf8_query](std::size_t at) { return utf8_offset(utf8_query, at); });
 }
 
 query_syntax search_pattern::syntax() const noexcept {
   return program_ != nullptr ? program_->syntax : query_syntax::literal;
+}
+
+const search_options& search_pattern::options() const noexcept {
+  static const search_options defaults;
+  return program_ != nullptr ? program_->options : defaults;
 }
 
 int search_pattern::group_count() const noexcept {

@@ -150,12 +150,45 @@ enum class query_syntax {
   regex,    // the query is an ICU regular expression, folded by its syntax (see above)
 };
 
+// How diacritics (accents, and the like) count in a search.
+enum class diacritics_rule {
+  ignore,       // "e" finds "\u00e9" and "\u00e9" finds "e" (the default)
+  match,        // diacritics count: "e" does not find "\u00e9", nor "\u00e9" "e"
+  match_typed,  // "e" finds "\u00e9"; "\u00e9" finds "\u00e9" only
+};
+
+// The toggles of a search box (see "Search options" above). The default
+// value is the default search: the root collator at primary strength.
+struct search_options {
+  bool match_case = false;  // case counts ("Resume" finds "R\u00e9sum\u00e9", not "resume")
+  diacritics_rule diacritics = diacritics_rule::ignore;
+  bool whole_words = false;         // matches start and end on word boundaries
+  bool ignore_punctuation = false;  // spaces and punctuation count as nothing
+  std::string locale;  // reserved for the user's language: must be empty for now
+
+  friend bool operator==(const search_options& a, const search_options& b) {
+    return a.match_case == b.match_case && a.diacritics == b.diacritics &&
+           a.whole_words == b.whole_words && a.ignore_punctuation == b.ignore_punctuation &&
+           a.locale == b.locale;
+  }
+  friend bool operator!=(const search_options& a, const search_options& b) { return !(a == b); }
+};
+
 // Returns `text` folded for search (see above), with its map back to `text`:
 // source_range() gives the range of `text` that folded units came from, and
 // source_size() is text.size(). Throws std::bad_alloc (also for text longer
 // than 2^31 - 1 units, which ICU cannot take), or regex_exception with ICU's
 // code if ICU fails.
 [[nodiscard]] SCL_REGEX_API prepared_text search_fold(std::u16string_view text);
+
+// The same, folded as `options` say (see "Search options" above): two whole
+// texts fold to the same text exactly when ICU's collator set up by the
+// options calls them equal. whole_words does not change the fold, and
+// diacritics = match_typed folds as match does. Throws regex_exception with
+// U_ILLEGAL_ARGUMENT_ERROR for an options value out of range, and
+// U_UNSUPPORTED_ERROR for a locale; otherwise as above.
+[[nodiscard]] SCL_REGEX_API prepared_text search_fold(std::u16string_view text,
+                                                      const search_options& options);
 
 namespace detail {
 struct search_program;
@@ -185,6 +218,11 @@ class SCL_REGEX_API search_pattern {
   // query with a large class (\p{L}) takes well under a millisecond.
   explicit search_pattern(std::u16string_view query, query_syntax syntax = query_syntax::literal);
   explicit search_pattern(std::string_view utf8_query, query_syntax syntax = query_syntax::literal);
+  // The same, searching as `options` say. An options value out of range (a
+  // cast enumerator) throws regex_exception with U_ILLEGAL_ARGUMENT_ERROR, and
+  // a locale U_UNSUPPORTED_ERROR, before the query is read.
+  search_pattern(std::u16string_view query, query_syntax syntax, const search_options& options);
+  search_pattern(std::string_view utf8_query, query_syntax syntax, const search_options& options);
 
   // Copies are cheap: they share the folded query.
   search_pattern(const search_pattern&) noexcept;
@@ -203,9 +241,19 @@ class SCL_REGEX_API search_pattern {
                                                           query_syntax syntax);
   [[nodiscard]] static std::optional<pattern_error> check(std::string_view utf8_query,
                                                           query_syntax syntax);
+  // The same with `options`: an options value the constructor rejects is
+  // reported with its code and offset npos, for any query.
+  [[nodiscard]] static std::optional<pattern_error> check(std::u16string_view query,
+                                                          query_syntax syntax,
+                                                          const search_options& options);
+  [[nodiscard]] static std::optional<pattern_error> check(std::string_view utf8_query,
+                                                          query_syntax syntax,
+                                                          const search_options& options);
 
   // The syntax the query was read with.
   [[nodiscard]] query_syntax syntax() const noexcept;
+  // The options it searches with (default ones for a default-constructed pattern).
+  [[nodiscard]] const search_options& options() const noexcept;
   // The number of capturing groups of the query: 0 for a literal query.
   // (A default-constructed pattern has none either.)
   [[nodiscard]] int group_count() const noexcept;

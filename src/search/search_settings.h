@@ -1,0 +1,31 @@
+// What a search's options mean for folding and matching.
+#ifndef SCL_REGEX_SRC_SEARCH_SEARCH_SETTINGS_H
+#define SCL_REGEX_SRC_SEARCH_SEARCH_SETTINGS_H
+
+#include "scl/regex/search_pattern.h"
+#include "search/fold_variant.h"
+
+namespace scl::regex::detail {
+
+struct search_settings {
+  fold_variant fold;          // how the text and the query are folded for searching
+  bool typed_accents = false;  // a literal query's accents are checked after (typed_accents.h)
+  fold_variant accents;       // ... in this fold
+  bool whole_words = false;
+
+  // Throws regex_exception with U_ILLEGAL_ARGUMENT_ERROR for a value out of
+  // range, U_UNSUPPORTED_ERROR for a locale.
+  static void validate(const search_options& options);
+
+  // The settings for a query of `syntax`. A literal query with diacritics
+  // matched where typed is searched without accents and checked with them;
+  // a regex query is searched with accents (pattern_fold.h).
+  static search_settings of(const search_options& options, query_syntax syntax);
+
+  // The fold search_fold gives: the one a regex query searches.
+  static fold_variant text_fold(const search_options& options);
+};
+
+}  // namespace scl::regex::detail
+
+#endif  // SCL_REGEX_SRC_SEARCH_SEARCH_SETTINGS_H
