@@ -161,6 +161,14 @@ class representatives {
     }
   }
 
+  // Makes `c` the representative of `key`, which has none.
+  void assign(element_key key, UChar32 c) {
+    const auto it = std::lower_bound(
+        entries_.begin(), entries_.end(), key,
+        [](const std::pair<element_key, UChar32>& entry, element_key k) { return entry.first < k; });
+    entries_.insert(it, {key, c});
+  }
+
   // The representative of `key`, or -1 if no code point is that key alone.
   UChar32 of(element_key key) const {
     const auto it = std::lower_bound(
@@ -332,10 +340,26 @@ UErrorCode pool_value(const std::u16string& fold, std::u16string& pool,
 UErrorCode build_variant(const element_table& table, const element_reader& reader,
                          const std::vector<std::uint32_t>& bits, fold_table_image& image,
                          const representatives* primary, std::vector<composite_unit>* composites) {
-  const representatives reps(table, reader);
+  representatives reps(table, reader);
+  std::vector<element_key> keys;
+  // An accent's secondary weight that no character has alone (the dot of
+  // "l\u00b7"): dot_accent stands for it. ICU 72 has one such weight; a
+  // second would need a character of its own.
+  std::set<element_key> lonely_accents;
+  for (UChar32 c = 0; c < kCodePoints; ++c) {
+    if (U_IS_SURROGATE(c)) continue;
+    reader.keys(table.begin(c), table.end(c), keys);
+    for (const collation_element* e = table.begin(c); e != table.end(c); ++e) {
+      if (e->primary == 0 && reader.weighs(*e) && reps.of(reader.key(*e)) < 0 &&
+          std::find(keys.begin(), keys.end(), reader.key(*e)) != keys.end()) {
+        lonely_accents.insert(reader.key(*e));
+      }
+    }
+  }
+  if (lonely_accents.size() > 1) return U_UNSUPPORTED_ERROR;
+  for (const element_key key : lonely_accents) reps.assign(key, dot_accent);
 
   // The code points with a key that has no representative, by their keys.
-  std::vector<element_key> keys;
   std::map<std::vector<element_key>, std::pair<bool, UChar32>> wholes;  // keys -> (!common, c)
   for (UChar32 c = 0; c < kCodePoints; ++c) {
     if (U_IS_SURROGATE(c)) continue;
@@ -365,6 +389,7 @@ UErrorCode build_variant(const element_table& table, const element_reader& reade
       }
       composites->push_back(unit);
     }
+    if (!lonely_accents.empty()) composites->push_back({dot_accent, 1, {0, 0, 0, 0}, 0});
     std::sort(composites->begin(), composites->end(),
               [](const composite_unit& a, const composite_unit& b) { return a.unit < b.unit; });
   }

@@ -46,10 +46,17 @@ struct code_point_pair {
   char32_t second;
 };
 
-// A character of folded text (with accents, without case) that stands for
-// more than one collation element, because one of its elements has no
-// character of its own: "\u00df" for an s with a secondary weight of its own
-// followed by an s.
+// The character that stands, in folded text with accents, for the one
+// secondary weight no character has alone: the middle dot of the root
+// collator's "l\u00b7" (and of "\u0140"). GREEK ANO TELEIA looks like that dot,
+// and no text folds to it: NFC turns it into U+00B7.
+constexpr char16_t dot_accent = 0x0387;
+
+// A character of folded text (with accents, without case) whose collation
+// elements are not what its fold without accents says: one that stands for
+// more than one element, because one of them has no character of its own
+// ("\u00df" for an s with a secondary weight of its own followed by an s), and
+// dot_accent, an accent.
 struct composite_unit {
   static constexpr int max_elements = 4;
   char32_t unit;

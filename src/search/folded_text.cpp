@@ -278,10 +278,12 @@ class folder {
   // or joins it to the piece before it.
   void fold_code_point(UChar32 c, std::uint32_t value, int32_t at, int32_t end) {
     if (c == middle_dot && is_l(previous_)) {
-      // The root collator's "l\u00b7": with accents it reads as "\u0140", one
-      // piece; without, the dot is ignored, a piece of its own.
-      if (accents_ && out_.size > 0 && !last_piece_empty_) {
-        contract_middle_dot(previous_);
+      // The root collator's "l\u00b7" reads the dot as an accent of the "l",
+      // in a piece of its own: with accents it is dot_accent, without it is
+      // nothing.
+      if (accents_) {
+        put(dot_accent, at);
+        last_piece_empty_ = false;
       } else {
         empty_piece(at);
       }
@@ -310,15 +312,6 @@ class folder {
       return;
     }
     put_fold(c, value, out_.origin[out_.size - 1]);
-  }
-
-  // Replaces the fold of the "l" or "L" just folded by that of the letter
-  // with the middle dot, which the dot then joins.
-  void contract_middle_dot(UChar32 l) {
-    const UChar32 dotted = l == u'l' ? 0x140 : 0x13F;
-    const int32_t origin = out_.origin[out_.size - 1];
-    --out_.size;
-    put_fold(dotted, table_.value(dotted), origin);
   }
 
   // Whether the root collator reads `c` as nothing at primary strength.
@@ -433,7 +426,7 @@ class folder {
       const UChar32 c = next_code_point(normalised_.data(), k, length);
       out_.reserve_more(longest_fold);
       if (c == middle_dot && is_l(previous)) {
-        if (accents_ && out_.size > before) contract_middle_dot(previous);
+        if (accents_) put(dot_accent, start);
       } else if (!(after_punctuation && primary_ignorable(c))) {
         put_fold(c, table_.value(c), start);
       }

@@ -49,8 +49,8 @@ class literal_finder {
       source_span span{};
       if ((length <= 2 ||
            std::memcmp(hit + 2, query.data() + 2, static_cast<std::size_t>(length - 2) * 2) == 0) &&
-          rules_.accepts(start, end, span) && pairs_agree(literal, meetings, start) &&
-          has_typed_accents(span, out)) {
+          rules_.covers_pieces(start, end, span) && pairs_agree(literal, meetings, start) &&
+          placed(span, out) && rules_.may_end(end, span)) {
         out.push_back(span);
         from = end;
       } else {
@@ -78,14 +78,13 @@ class literal_finder {
     return true;
   }
 
-  // With diacritics matched where typed: whether the match has the query's
-  // accents; it then starts with the text's accents before it, as ICU's does.
-  bool has_typed_accents(source_span& span, const std::vector<source_span>& out) const {
-    if (accents_ == nullptr) return true;
-    if (!accents_->accepts(source_, span.start, span.end)) return false;
-    span.start = accents_->leading_start(source_, span.start, out.empty() ? 0 : out.back().end,
-                                         [this](int32_t at) { return rules_.starts_cluster(at); });
-    return true;
+  // Whether the match may start where it does. With diacritics matched where
+  // typed, it must have the query's accents, which may move its ends
+  // (typed_accents.h).
+  bool placed(source_span& span, const std::vector<source_span>& out) const {
+    if (accents_ == nullptr) return rules_.may_start(span.start);
+    return accents_->place(source_, folded_.source_size, out.empty() ? 0 : out.back().end, span,
+                           [this](int32_t at) { return rules_.may_start(at); });
   }
 
   match_rules<Unit> rules_;

@@ -51,17 +51,32 @@ class match_rules {
   // Whether folded units [start, end) (start < end) make a match, and where
   // it is in the source.
   bool accepts(int32_t start, int32_t end, source_span& span) const {
+    return covers_pieces(start, end, span) && may_end(end, span) && may_start(span.start);
+  }
+
+  // Whether folded units [start, end) cover whole pieces, and which source
+  // range they come from.
+  bool covers_pieces(int32_t start, int32_t end, source_span& span) const {
     if (!folded_.starts_piece(start) || !folded_.ends_piece(end)) return false;
     span.start = folded_.origin[start];
     span.end = folded_.piece_end(end);
-    if (!starts_cluster(span.start)) return false;
-    if (inside_contraction(span.start) || inside_contraction(span.end)) return false;
-    if (splits_marks(span.end)) return false;
-    if (policy_.shifted && (dropped_start_at(span.start) || (end < folded_.size &&
-                                                             dropped_start_at(folded_.origin[end])))) {
+    return true;
+  }
+
+  // Whether a match may end at span.end, before folded unit `end`; with whole
+  // words, moves span.end to the word boundary it ends on.
+  bool may_end(int32_t end, source_span& span) const {
+    if (inside_contraction(span.end) || splits_marks(span.end)) return false;
+    if (policy_.shifted && end < folded_.size && dropped_start_at(folded_.origin[end])) {
       return false;
     }
     return policy_.words == nullptr || ends_word(end, span);
+  }
+
+  // Whether a match may start at source position `at`.
+  bool may_start(int32_t at) const {
+    return starts_cluster(at) && !inside_contraction(at) &&
+           !(policy_.shifted && dropped_start_at(at));
   }
 
   // Whether an empty match at folded position `at` is one, and where it is.
@@ -71,8 +86,7 @@ class match_rules {
     return starts_cluster(span.start) && !inside_contraction(span.start);
   }
 
-  // Whether a match may start at `at`: on a grapheme boundary, or with whole
-  // words on a word boundary.
+  // Whether a cluster starts at `at`: a grapheme, or with whole words a word.
   bool starts_cluster(int32_t at) const {
     return policy_.words != nullptr ? policy_.words->is_boundary(at)
                                     : grapheme_boundary(table_, source_, size_, at);

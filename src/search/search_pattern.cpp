@@ -67,14 +67,26 @@ std::shared_ptr<detail::search_program> new_program(query_syntax syntax,
   return program;
 }
 
-compiled_query compile_literal(std::u16string_view query, const search_options& options) {
-  auto program = new_program(query_syntax::literal, options);
-  const detail::search_settings& settings = program->settings;
+// The literal query folded as `settings` say.
+detail::literal_query fold_literal(std::u16string_view query,
+                                   const detail::search_settings& settings) {
   detail::folded_text folded;
   detail::fold_text(detail::fold_table::get(settings.fold), query.data(),
                     detail::icu_length(query.size()), false, folded);
-  program->query = detail::literal_query::of(folded);
+  return detail::literal_query::of(folded);
+}
+
+compiled_query compile_literal(std::u16string_view query, const search_options& options) {
+  auto program = new_program(query_syntax::literal, options);
+  detail::search_settings& settings = program->settings;
+  program->query = fold_literal(query, settings);
   if (settings.typed_accents) {
+    if (program->query.units.empty()) {
+      // Accents alone, with no letter to find them by: they are found as
+      // they are typed, then checked as any query is.
+      settings.fold = settings.accents;
+      program->query = fold_literal(query, settings);
+    }
     program->accents = detail::typed_accents(detail::fold_table::get(settings.accents), query);
   }
   return compiled_query{std::move(program), std::nullopt, npos};

@@ -1,41 +1,55 @@
 #include "search/typed_accents.h"
 
+#include <string>
+
+#include "search/code_points.h"
 #include "search/folded_text.h"
 
 namespace scl::regex::detail {
+
+namespace {
+
+constexpr UChar32 middle_dot = 0xB7;
+
+}  // namespace
 
 typed_accents::typed_accents(const fold_table& accents, std::u16string_view query)
     : table_(&accents) {
   folded_text folded;
   fold_text(accents, query.data(), static_cast<int32_t>(query.size()), false, folded);
-  elements_of(folded.text(), query_);
+  elements_of(folded, 0, query_);
 }
 
-void typed_accents::elements_of(std::u16string_view folded, std::vector<element>& out) const {
+void typed_accents::elements_of(const folded_text& folded, int32_t offset,
+                                std::vector<element>& out) const {
   const fold_table& root = fold_table::get();
-  out.clear();
-  std::u16string primaries;
+  std::u16string letters;
   std::u16string back;
   std::u16string self;
-  const auto size = static_cast<int32_t>(folded.size());
+  const int32_t size = folded.size;
   for (int32_t at = 0; at < size;) {
-    const UChar32 unit = next_code_point(folded.data(), at, size);
+    const int32_t unit_start = at;
+    const UChar32 unit = next_code_point(folded.units.data(), at, size);
+    int32_t piece_end = at;
+    while (piece_end < size && folded.origin[piece_end] == folded.origin[unit_start]) ++piece_end;
+    const int32_t start = folded.origin[unit_start] + offset;
+    const int32_t end = folded.piece_end(piece_end) + offset;
     if (const composite_unit* composite = table_->composite(unit)) {
       for (std::uint32_t i = 0; i < composite->count; ++i) {
         out.push_back({static_cast<UChar32>(composite->primaries[i]),
-                       (composite->common_secondary >> i & 1) != 0, unit, i});
+                       (composite->common_secondary >> i & 1) != 0, unit, i, start, end});
       }
       continue;
     }
-    primaries.clear();
-    root.append_fold(unit, primaries);
-    const auto length = static_cast<int32_t>(primaries.size());
+    letters.clear();
+    root.append_fold(unit, letters);
+    const auto length = static_cast<int32_t>(letters.size());
     if (length == 0) {
-      out.push_back({0, false, unit, 0});  // an accent
+      out.push_back({0, false, unit, 0, start, end});  // an accent
       continue;
     }
     int32_t k = 0;
-    const UChar32 letter = next_code_point(primaries.data(), k, length);
+    const UChar32 letter = next_code_point(letters.data(), k, length);
     if (k == length) {
       // The letter has the common secondary weight when it is what the
       // letter without accents folds to with them.
@@ -43,61 +57,96 @@ void typed_accents::elements_of(std::u16string_view folded, std::vector<element>
       table_->append_fold(letter, back);
       self.clear();
       append_code_point(self, unit);
-      out.push_back({letter, back == self, unit, 0});
+      out.push_back({letter, back == self, unit, 0, start, end});
       continue;
     }
     std::uint32_t index = 0;
     for (k = 0; k < length; ++index) {
-      out.push_back({next_code_point(primaries.data(), k, length), false, unit, index});
+      out.push_back({next_code_point(letters.data(), k, length), false, unit, index, start, end});
     }
   }
 }
 
-bool typed_accents::matches(const std::vector<element>& text) const {
-  if (query_.empty()) return false;
-  std::size_t j = 0;
+std::size_t typed_accents::match_from(const std::vector<element>& text, std::size_t from) const {
+  if (query_.empty()) return 0;
+  std::size_t j = from;
   for (const element& q : query_) {
     if (q.primary == 0) {
-      if (j == text.size() || text[j].primary != 0 || !text[j].same(q)) return false;
+      if (j == text.size() || text[j].primary != 0 || !text[j].same(q)) return 0;
       ++j;
       continue;
     }
     while (j < text.size() && text[j].primary == 0) ++j;
-    if (j == text.size() || text[j].primary != q.primary) return false;
-    if (!q.common && !text[j].same(q)) return false;
+    if (j == text.size() || text[j].primary != q.primary) return 0;
+    if (!q.common && !text[j].same(q)) return 0;
     ++j;
   }
+  const std::size_t matched = j;
   const element& last = query_.back();
   for (; j < text.size(); ++j) {
-    if (text[j].primary != 0 || (last.primary == 0 && !text[j].same(last))) return false;
+    if (text[j].primary != 0 || (last.primary == 0 && !text[j].same(last))) return 0;
   }
-  return true;
+  return matched;
 }
 
-template <class Unit>
-bool typed_accents::accepts_range(const Unit* source, int32_t start, int32_t end) const {
-  thread_local folded_text folded;
-  thread_local std::vector<element> text;
-  fold_text(*table_, source + start, end - start, false, folded);
-  elements_of(folded.text(), text);
-  return matches(text);
-}
-
-bool typed_accents::accepts(const char16_t* source, int32_t start, int32_t end) const {
-  return accepts_range(source, start, end);
-}
-
-bool typed_accents::accepts(const char* source, int32_t start, int32_t end) const {
-  return accepts_range(source, start, end);
-}
-
-bool typed_accents::primary_ignorable(UChar32 c) const {
+bool typed_accents::accent(UChar32 c, UChar32 previous) const {
+  if (c == middle_dot && (previous == u'l' || previous == u'L')) return true;  // "l\u00b7"
   return fold_value::kind(fold_table::get().value(c)) == fold_kind::nothing;
 }
 
-bool typed_accents::ignores_accents_after(UChar32 c) const {
-  if (!table_->variant().shifted) return false;
-  return fold_value::kind(table_->value(c)) == fold_kind::nothing || table_->variable_end(c);
+template <class Unit>
+bool typed_accents::place_in(const Unit* source, int32_t size, int32_t limit, source_span& span,
+                             const start_check& may_start) const {
+  // The window: the accents right before the match and right after it, and,
+  // for what they fold to, the character before them.
+  int32_t window_start = span.start;
+  while (window_start > limit) {
+    int32_t before = window_start;
+    const UChar32 c = previous_code_point(source, before);
+    int32_t earlier = before;
+    if (!accent(c, before > 0 ? previous_code_point(source, earlier) : -1)) break;
+    window_start = before;
+  }
+  int32_t window_end = span.end;
+  while (window_end < size) {
+    int32_t after = window_end;
+    const UChar32 c = next_code_point(source, after, size);
+    int32_t before = window_end;
+    if (!accent(c, window_end > 0 ? previous_code_point(source, before) : -1)) break;
+    window_end = after;
+  }
+  int32_t context = window_start;
+  if (context > 0) previous_code_point(source, context);
+
+  thread_local folded_text folded;
+  thread_local std::vector<element> text;
+  fold_text(*table_, source + context, window_end - context, false, folded);
+  text.clear();
+  elements_of(folded, context, text);
+  std::size_t first = 0;
+  while (first < text.size() && text[first].piece_start < window_start) ++first;
+
+  // Each accent before the match, then the match's own start.
+  for (std::size_t i = first; i < text.size() && text[i].piece_start <= span.start; ++i) {
+    if (i > first && text[i].piece_start == text[i - 1].piece_start) continue;
+    if (!may_start(text[i].piece_start)) continue;
+    const std::size_t matched = match_from(text, i);
+    if (matched == 0) continue;
+    span.start = text[i].piece_start;
+    span.end = std::max(span.end, text[matched - 1].piece_end);
+    return true;
+  }
+  return false;
+}
+
+bool typed_accents::place(const char16_t* source, int32_t size, int32_t limit, source_span& span,
+                          const start_check& may_start) const {
+  return place_in(source, size, limit, span, may_start);
+}
+
+bool typed_accents::place(const char* source, int32_t size, int32_t limit, source_span& span,
+                          const start_check& may_start) const {
+  return place_in(source, size, limit, span, may_start);
 }
 
 }  // namespace scl::regex::detail

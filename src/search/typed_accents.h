@@ -12,18 +12,23 @@
 //   - the text's other accents are skipped before each letter of the query
 //     and after its last element, except that after a last element that is an
 //     accent they must all be that accent.
+// Accents that are pieces of their own (after a line break, a soft hyphen,
+// at the start of the text) can begin or end a match: ICU skips the first
+// kind before the query's first letter, so the match starts at the first of
+// them that may start a match; and a query's accents may be found in them.
 #ifndef SCL_REGEX_SRC_SEARCH_TYPED_ACCENTS_H
 #define SCL_REGEX_SRC_SEARCH_TYPED_ACCENTS_H
 
 #include <cstdint>
-#include <string>
+#include <functional>
 #include <string_view>
 #include <vector>
 
 #include <unicode/utypes.h>
 
-#include "search/code_points.h"
 #include "search/fold_table.h"
+#include "search/folded_text.h"
+#include "search/match_rules.h"
 
 namespace scl::regex::detail {
 
@@ -34,18 +39,15 @@ class typed_accents {
   // without case).
   typed_accents(const fold_table& accents, std::u16string_view query);
 
-  // Whether source[start, end), which matches the query without accents, has
-  // the query's accents.
-  bool accepts(const char16_t* source, int32_t start, int32_t end) const;
-  bool accepts(const char* source, int32_t start, int32_t end) const;
-
-  // Where a match found at `start` starts with the text's accents before it:
-  // ICU skips accents before the query's first letter, so the match starts at
-  // the first of those accents (after `limit`, with only what folds to nothing
-  // between them and `start`) that may start a match, as `may_start` says.
-  template <class Unit, class MayStart>
-  int32_t leading_start(const Unit* source, int32_t start, int32_t limit,
-                        MayStart may_start) const;
+  // Whether the match found without accents at source `span` (of the whole
+  // source[0, size)) has the query's accents; if so, moves `span` to where the
+  // match starts and ends with them. It starts after `limit`, and where
+  // `may_start` allows.
+  using start_check = std::function<bool(int32_t)>;
+  bool place(const char16_t* source, int32_t size, int32_t limit, source_span& span,
+             const start_check& may_start) const;
+  bool place(const char* source, int32_t size, int32_t limit, source_span& span,
+             const start_check& may_start) const;
 
  private:
   // One collation element of a fold with accents.
@@ -54,45 +56,29 @@ class typed_accents {
     bool common;      // a letter with the common secondary weight
     UChar32 unit;     // the folded character it is part of, and which element of it
     std::uint32_t index;
+    int32_t piece_start;  // its piece in the source
+    int32_t piece_end;
 
     bool same(const element& other) const { return unit == other.unit && index == other.index; }
   };
 
-  void elements_of(std::u16string_view folded, std::vector<element>& out) const;
-  bool matches(const std::vector<element>& text) const;
   template <class Unit>
-  bool accepts_range(const Unit* source, int32_t start, int32_t end) const;
-  // Whether `c` is an accent that the table keeps, and what ends a run of them.
-  bool primary_ignorable(UChar32 c) const;
-  bool ignores_accents_after(UChar32 c) const;
+  bool place_in(const Unit* source, int32_t size, int32_t limit, source_span& span,
+                const start_check& may_start) const;
+  // Appends the elements of `folded`, whose source starts at `offset`.
+  void elements_of(const folded_text& folded, int32_t offset,
+                   std::vector<element>& out) const;
+  // Matches the query from text[from], which holds its elements to the end
+  // of what may follow a match; returns one past the last element matched, or
+  // 0 if it does not match.
+  std::size_t match_from(const std::vector<element>& text, std::size_t from) const;
+  // Whether `c`, after `previous`, folds to nothing without accents (an accent,
+  // or what folds to nothing anyway).
+  bool accent(UChar32 c, UChar32 previous) const;
 
   const fold_table* table_ = nullptr;
   std::vector<element> query_;
 };
-
-template <class Unit, class MayStart>
-int32_t typed_accents::leading_start(const Unit* source, int32_t start, int32_t limit,
-                                     MayStart may_start) const {
-  if (query_.empty() || query_.front().primary == 0) return start;
-  std::vector<int32_t> accents;  // where each accent starts, nearest first
-  std::u16string fold;
-  for (int32_t position = start; position > limit;) {
-    int32_t before = position;
-    const UChar32 c = previous_code_point(source, before);
-    if (!primary_ignorable(c)) {
-      if (ignores_accents_after(c)) return start;
-      break;
-    }
-    fold.clear();
-    table_->append_fold(c, fold);
-    if (!fold.empty()) accents.push_back(before);
-    position = before;
-  }
-  for (auto it = accents.rbegin(); it != accents.rend(); ++it) {
-    if (may_start(*it)) return *it;
-  }
-  return start;
-}
 
 }  // namespace scl::regex::detail
 
