@@ -55,13 +55,17 @@ TEST(FoldTable, BuiltInIsWhatTheRunningIcuGives) {
   }
   EXPECT_EQ(image.dropped_starts, as_vector(data::dropped_starts, data::dropped_start_count));
   EXPECT_EQ(image.variable_ends, as_vector(data::variable_ends, data::variable_end_count));
-  EXPECT_TRUE(same_composites(image.composites, as_vector(data::composites, data::composite_count)));
+  EXPECT_TRUE(
+      same_composites(image.composites[0], as_vector(data::composites, data::composite_count)));
+  EXPECT_TRUE(same_composites(image.composites[1],
+                              as_vector(data::case_composites, data::case_composite_count)));
 
   // Tables loaded from the rebuilt image read the same values.
   const detail::fold_table_lists lists{
       image.prevowel_pairs.data(), image.prevowel_pairs.size(), image.dropped_starts.data(),
       image.dropped_starts.size(), image.variable_ends.data(),  image.variable_ends.size(),
-      image.composites.data(),     image.composites.size()};
+      {image.composites[0].data(), image.composites[1].data()},
+      {image.composites[0].size(), image.composites[1].size()}};
   for (int index = 0; index < detail::fold_variant::count; ++index) {
     SCOPED_TRACE("variant " + std::to_string(index));
     const detail::fold_variant variant = detail::fold_variant::at(index);
@@ -91,17 +95,24 @@ TEST(FoldTable, KnowsWhatMixesPunctuationAndWhatStandsForSeveralElements) {
   EXPECT_FALSE(table.dropped_start(u'('));  // punctuation alone mixes nothing
   EXPECT_FALSE(table.variable_end(u'a'));
 
-  const detail::composite_unit* sharp_s = table.composite(0xDF);
+  const detail::fold_table& accents = detail::fold_table::get({true, false, false});
+  const detail::composite_unit* sharp_s = accents.composite(0xDF);
   ASSERT_NE(sharp_s, nullptr);
   EXPECT_EQ(sharp_s->count, 2U);
   EXPECT_EQ(sharp_s->primaries[0], U's');
   EXPECT_EQ(sharp_s->primaries[1], U's');
-  EXPECT_EQ(sharp_s->common_secondary, 2U);  // the second s is a plain s
-  const detail::composite_unit* l_dot = table.composite(0x140);  // LATIN SMALL LETTER L WITH MIDDLE DOT
-  ASSERT_NE(l_dot, nullptr);
-  EXPECT_EQ(l_dot->primaries[0], U'l');
-  EXPECT_EQ(l_dot->primaries[1], 0U);  // the dot is an accent
-  EXPECT_EQ(table.composite(u'e'), nullptr);
+  EXPECT_EQ(sharp_s->common_secondary, 2U);  // the first s has a secondary weight of its own
+  const detail::composite_unit* dot = accents.composite(detail::dot_accent);
+  ASSERT_NE(dot, nullptr);
+  EXPECT_EQ(dot->count, 1U);
+  EXPECT_EQ(dot->primaries[0], 0U);  // an accent
+  EXPECT_EQ(accents.composite(0x140), nullptr);  // "\u0140" folds to "l" and the dot
+  // With case, the capital sharp s has its own, of capital letters.
+  const detail::composite_unit* capital = detail::fold_table::get({true, true, false}).composite(0x1E9E);
+  ASSERT_NE(capital, nullptr);
+  EXPECT_EQ(capital->primaries[0], U'S');
+  EXPECT_EQ(accents.composite(0x1E9E), nullptr);
+  EXPECT_EQ(accents.composite(u'e'), nullptr);
 }
 
 TEST(FoldTable, KnowsThePrevowelContractions) {

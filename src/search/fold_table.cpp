@@ -38,7 +38,8 @@ void load_embedded(fold_table_set& set) {
   namespace data = fold_table_data;
   set.lists = {data::prevowel_pairs, data::prevowel_pair_count, data::dropped_starts,
                data::dropped_start_count, data::variable_ends,  data::variable_end_count,
-               data::composites,     data::composite_count};
+               {data::composites, data::case_composites},
+               {data::composite_count, data::case_composite_count}};
   UErrorCode status = U_ZERO_ERROR;
   for (int index = 0; index < fold_variant::count; ++index) {
     const data::table& table = data::tables[index];
@@ -56,7 +57,8 @@ void rebuild(fold_table_set& set) {
   set.lists = {image.prevowel_pairs.data(), image.prevowel_pairs.size(),
                image.dropped_starts.data(), image.dropped_starts.size(),
                image.variable_ends.data(),  image.variable_ends.size(),
-               image.composites.data(),     image.composites.size()};
+               {image.composites[0].data(), image.composites[1].data()},
+               {image.composites[0].size(), image.composites[1].size()}};
   for (int index = 0; index < fold_variant::count; ++index) {
     const fold_table_image& table = image.tables[static_cast<std::size_t>(index)];
     set.tables[static_cast<std::size_t>(index)] =
@@ -185,8 +187,9 @@ bool fold_table::variable_end(UChar32 c) const {
 }
 
 const composite_unit* fold_table::composite(UChar32 unit) const {
-  const composite_unit* begin = lists_->composites;
-  const composite_unit* end = begin + lists_->composite_count;
+  const int list = variant_.case_level ? 1 : 0;
+  const composite_unit* begin = lists_->composites[list];
+  const composite_unit* end = begin + lists_->composite_count[list];
   const composite_unit* it =
       std::lower_bound(begin, end, unit, [](const composite_unit& u, UChar32 c) {
         return static_cast<UChar32>(u.unit) < c;

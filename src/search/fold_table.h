@@ -25,8 +25,8 @@ struct fold_table_lists {
   std::size_t dropped_start_count;
   const char32_t* variable_ends;
   std::size_t variable_end_count;
-  const composite_unit* composites;
-  std::size_t composite_count;
+  const composite_unit* composites[2];  // without case, with case
+  std::size_t composite_count[2];
 };
 
 class fold_table {

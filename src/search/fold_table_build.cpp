@@ -82,6 +82,8 @@ class element_reader {
   element_reader(fold_variant variant, std::uint32_t variable_top)
       : variant_(variant), variable_top_(variable_top) {}
 
+  bool case_level() const { return variant_.case_level; }
+
   // Whether the element is punctuation or a space (a variable element).
   bool variable(const collation_element& e) const {
     return e.primary > kMergeSeparator && e.primary <= variable_top_;
@@ -379,11 +381,19 @@ UErrorCode build_variant(const element_table& table, const element_reader& reade
     for (const auto& [element_keys, best] : wholes) {
       if (element_keys.size() > composite_unit::max_elements) return U_BUFFER_OVERFLOW_ERROR;
       composite_unit unit{static_cast<char32_t>(best.second), 0, {}, 0};
-      for (const element_key key : element_keys) {
-        // A key of the accent table without case: primary << 16 | secondary.
+      for (element_key key : element_keys) {
+        // A key of an accent table: primary << 16 | secondary, then the case
+        // bits if case counts; read by the table without accents.
+        element_key case_bits = 0;
+        if (reader.case_level()) {
+          case_bits = key & 3;
+          key >>= 2;
+        }
         const auto primary_weight = static_cast<std::uint32_t>(key >> 16);
         if ((key & 0xFFFF) == kCommonWeight) unit.common_secondary |= 1U << unit.count;
-        const UChar32 rep = primary_weight == 0 ? 0 : primary->of(primary_weight);
+        const element_key primary_key =
+            reader.case_level() ? element_key{primary_weight} << 2 | case_bits : primary_weight;
+        const UChar32 rep = primary_weight == 0 ? 0 : primary->of(primary_key);
         if (rep < 0) return U_INTERNAL_PROGRAM_ERROR;
         unit.primaries[unit.count++] = static_cast<char32_t>(rep);
       }
@@ -478,14 +488,21 @@ UErrorCode build_fold_tables(fold_tables_image& image) {
   status = character_bits(prevowels, bits);
   if (U_FAILURE(status)) return status;
 
+  // The composite units of the accent tables, with and without case: their
+  // elements are read by the tables without accents.
   const element_reader primary_reader(fold_variant{}, variable_top);
   const representatives primary(table, primary_reader);
+  const element_reader case_reader(fold_variant{false, true, false}, variable_top);
+  const representatives primary_case(table, case_reader);
   for (int index = 0; index < fold_variant::count; ++index) {
     const fold_variant variant = fold_variant::at(index);
-    const bool lists_composites = variant == fold_variant{true, false, false};
-    status = build_variant(table, element_reader(variant, variable_top), bits,
-                           image.tables[static_cast<std::size_t>(index)], &primary,
-                           lists_composites ? &image.composites : nullptr);
+    // (The tables with "shifted" have the same composite units.)
+    const bool lists_composites = variant.accents && !variant.shifted;
+    status = build_variant(
+        table, element_reader(variant, variable_top), bits,
+        image.tables[static_cast<std::size_t>(index)],
+        variant.case_level ? &primary_case : &primary,
+        lists_composites ? &image.composites[variant.case_level ? 1 : 0] : nullptr);
     if (U_FAILURE(status)) return status;
   }
 

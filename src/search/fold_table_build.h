@@ -34,8 +34,9 @@ struct fold_tables_image {
   // with something else ("⑴"), and those that end so; sorted.
   std::vector<char32_t> dropped_starts;
   std::vector<char32_t> variable_ends;
-  // The composite units of the accent tables; sorted by unit.
-  std::vector<composite_unit> composites;
+  // The composite units of the accent tables without case and with it
+  // (composites[1]); each sorted by unit.
+  std::array<std::vector<composite_unit>, 2> composites;
 };
 
 // Builds the tables. Returns ICU's error, if any (the image is then unusable).

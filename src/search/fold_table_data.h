@@ -29,8 +29,10 @@ extern const char32_t dropped_starts[];
 extern const std::size_t dropped_start_count;
 extern const char32_t variable_ends[];
 extern const std::size_t variable_end_count;
-extern const composite_unit composites[];
+extern const composite_unit composites[];  // the accent tables without case
 extern const std::size_t composite_count;
+extern const composite_unit case_composites[];  // with case
+extern const std::size_t case_composite_count;
 
 }  // namespace scl::regex::detail::fold_table_data
 

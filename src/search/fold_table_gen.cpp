@@ -88,14 +88,17 @@ int main(int argc, char** argv) {
               code_point);
   write_array(out, "char32_t", "variable_ends", image.variable_ends, 12, "variable_end_count",
               code_point);
-  write_array(out, "composite_unit", "composites", image.composites, 1, "composite_count",
-              [&](const composite_unit& unit) {
+  auto write_composite = [&](const composite_unit& unit) {
                 out << '{' << static_cast<unsigned long>(unit.unit) << ", " << unit.count << ", {";
                 for (int i = 0; i < composite_unit::max_elements; ++i) {
                   out << (i != 0 ? ", " : "") << static_cast<unsigned long>(unit.primaries[i]);
                 }
                 out << "}, " << unit.common_secondary << '}';
-              });
+  };
+  write_array(out, "composite_unit", "composites", image.composites[0], 1, "composite_count",
+              write_composite);
+  write_array(out, "composite_unit", "case_composites", image.composites[1], 1,
+              "case_composite_count", write_composite);
   out << "}  // namespace scl::regex::detail::fold_table_data\n";
   out.close();
   if (!out) {

@@ -8,6 +8,7 @@
 #include <unicode/unistr.h>
 
 #include "search/code_points.h"
+#include "search/fold_runs.h"
 #include "search/folded_text.h"
 #include "search/pattern_lexer.h"
 #include "search/surrogate_stand_in.h"
@@ -44,124 +45,6 @@ void append_set_member(std::u16string& out, UChar32 c) {
     append_escaped(out, c);
   }
 }
-
-// One bit per code point.
-class code_point_bits {
- public:
-  static constexpr UChar32 limit = 0x110000;
-
-  void set(UChar32 first, UChar32 last) {
-    for (UChar32 c = first; c <= last;) {
-      const int bit = c & 63;
-      const UChar32 in_word = std::min<UChar32>(last - c + 1, 64 - bit);
-      const std::uint64_t mask =
-          in_word == 64 ? ~std::uint64_t{0} : ((std::uint64_t{1} << in_word) - 1) << bit;
-      words_[static_cast<std::size_t>(c >> 6)] |= mask;
-      c += in_word;
-    }
-  }
-
-  // The first code point from `from` whose bit is `value`, or `limit`.
-  UChar32 next(UChar32 from, bool value) const {
-    while (from < limit) {
-      std::uint64_t word = words_[static_cast<std::size_t>(from >> 6)];
-      if (!value) word = ~word;
-      word &= ~std::uint64_t{0} << (from & 63);
-      if (word != 0) return (from & ~63) + __builtin_ctzll(word);
-      from = (from & ~63) + 64;
-    }
-    return limit;
-  }
-
-  void clear(UChar32 c) {
-    words_[static_cast<std::size_t>(c >> 6)] &= ~(std::uint64_t{1} << (c & 63));
-  }
-
-  // Whether any bit of [first, last] is set.
-  bool any(UChar32 first, UChar32 last) const { return next(first, true) <= last; }
-
- private:
-  std::vector<std::uint64_t> words_ = std::vector<std::uint64_t>(limit / 64);
-};
-
-// Sets in `bits` the fold of the code points [first, last], which share one
-// table value `value`, where it is one code point.
-void set_folds(const fold_table& table, UChar32 first, UChar32 last, std::uint32_t value,
-               code_point_bits& bits) {
-  switch (fold_value::kind(value)) {
-    case fold_kind::self:
-      bits.set(first, last);
-      break;
-    case fold_kind::delta:
-      bits.set(first + fold_value::delta(value), last + fold_value::delta(value));
-      break;
-    case fold_kind::pool: {
-      const char16_t* units = table.pool() + fold_value::pool_offset(value);
-      const auto length = static_cast<int32_t>(fold_value::pool_length(value));
-      int32_t at = 0;
-      const UChar32 fold = next_code_point(units, at, length);
-      if (at == length) bits.set(fold, fold);
-      break;
-    }
-    case fold_kind::nothing:
-      break;
-  }
-}
-
-// The fold table read as runs of code points that fold alike, and the code
-// points that folded text can hold: every fold of a code point, and what NFC
-// may compose of folds. A class needs to be right only on the latter, so it
-// may take in the code points between them. Made once per process.
-struct fold_runs {
-  std::vector<UChar32> starts;        // ascending, from 0
-  std::vector<std::uint32_t> values;  // each run's table value (kind and payload)
-  code_point_bits alphabet;
-
-  explicit fold_runs(const fold_table& table) {
-    for (UChar32 c = 0; c < code_point_bits::limit;) {
-      std::uint32_t value = 0;
-      const UChar32 end = table.fold_run(c, value);
-      starts.push_back(c);
-      values.push_back(value);
-      if (fold_value::kind(value) == fold_kind::pool) {
-        // Every code point of a fold of several.
-        const char16_t* units = table.pool() + fold_value::pool_offset(value);
-        const auto length = static_cast<int32_t>(fold_value::pool_length(value));
-        for (int32_t at = 0; at < length;) {
-          const UChar32 unit = next_code_point(units, at, length);
-          alphabet.set(unit, unit);
-        }
-      } else {
-        set_folds(table, c, end, value, alphabet);
-      }
-      c = end + 1;
-    }
-    UErrorCode status = U_ZERO_ERROR;
-    const icu::UnicodeSet composites(u"[[:dt=canonical:]-[:Full_Composition_Exclusion:]]", status);
-    for (int32_t i = 0; U_SUCCESS(status) && i < composites.getRangeCount(); ++i) {
-      alphabet.set(composites.getRangeStart(i), composites.getRangeEnd(i));
-    }
-    if (U_FAILURE(status)) alphabet.set(0, code_point_bits::limit - 1);  // nothing is taken in
-  }
-
-  static const fold_runs& of(const fold_table& table) {
-    static const fold_runs runs(table);
-    return runs;
-  }
-
-  // Sets in `bits` the folds of [first, last] that are one code point.
-  void set_folds_of(const fold_table& table, UChar32 first, UChar32 last,
-                    code_point_bits& bits) const {
-    auto run = static_cast<std::size_t>(std::upper_bound(starts.begin(), starts.end(), first) -
-                                        starts.begin() - 1);
-    for (UChar32 c = first; c <= last; ++run) {
-      const UChar32 run_end = run + 1 < starts.size() ? starts[run + 1] - 1 : 0x10FFFF;
-      const UChar32 end = std::min(run_end, last);
-      set_folds(table, c, end, values[run], bits);
-      c = end + 1;
-    }
-  }
-};
 
 // The ranges of code points that the class matches in folded text: the folds
 // of its members that fold to one code point (or every other code point, for
