@@ -11,67 +11,26 @@
 #include "search/fold_runs.h"
 #include "search/folded_text.h"
 #include "search/pattern_lexer.h"
+#include "search/pattern_text.h"
 #include "search/surrogate_stand_in.h"
 
 namespace scl::regex::detail {
 namespace {
 
-using code_point_range = std::pair<UChar32, UChar32>;
-
 bool is_ascii_digit(UChar32 c) { return c >= u'0' && c <= u'9'; }
 
-bool is_ascii_letter(UChar32 c) { return (c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z'); }
-
-// Whether `c` can stand for itself in a pattern, in or out of a set, in
-// free-spacing mode too.
-bool stands_for_itself(UChar32 c) {
-  if (is_ascii_letter(c) || is_ascii_digit(c)) return true;
-  return c > 0x7F && !U_IS_SURROGATE(c) && !u_hasBinaryProperty(c, UCHAR_PATTERN_WHITE_SPACE);
-}
-
-void append_escaped(std::u16string& out, UChar32 c) {
-  static constexpr char16_t digits[] = u"0123456789abcdef";
-  out += u"\\x{";
-  int shift = 20;
-  while (shift > 0 && ((c >> shift) & 0xF) == 0) shift -= 4;
-  for (; shift >= 0; shift -= 4) out += digits[(c >> shift) & 0xF];
-  out += u'}';
-}
-
-void append_set_member(std::u16string& out, UChar32 c) {
-  if (stands_for_itself(c)) {
-    append_code_point(out, c);
-  } else {
-    append_escaped(out, c);
-  }
-}
-
-// The ranges of code points that the class matches in folded text: the folds
-// of its members that fold to one code point (or every other code point, for
-// a negated class), neighbouring ranges joined where folded text can hold
-// nothing between them.
-std::vector<code_point_range> folded_ranges(const fold_table& table, const class_set& set) {
+// The folds of the class's members that fold to one code point (a lone
+// surrogate in either form).
+code_point_bits single_folds(const fold_table& table, const class_set& set) {
   const fold_runs& runs = fold_runs::of(table);
   code_point_bits folds;
   for (int32_t i = 0; i < set.members.getRangeCount(); ++i) {
     runs.set_folds_of(table, set.members.getRangeStart(i), set.members.getRangeEnd(i), folds);
   }
-  // A lone surrogate is matched in either form.
   for (UChar32 c = folds.next(0xD800, true); c <= 0xDFFF; c = folds.next(c + 1, true)) {
     folds.set(surrogate_stand_in(c), surrogate_stand_in(c));
   }
-  const bool in = !set.negated;
-  std::vector<code_point_range> ranges;
-  for (UChar32 c = folds.next(0, in); c < code_point_bits::limit;) {
-    const UChar32 end = folds.next(c, !in);
-    if (!ranges.empty() && !runs.alphabet.any(ranges.back().second + 1, c - 1)) {
-      ranges.back().second = end - 1;
-    } else {
-      ranges.emplace_back(c, end - 1);
-    }
-    c = folds.next(end, in);
-  }
-  return ranges;
+  return folds;
 }
 
 class pattern_folder {
@@ -426,19 +385,7 @@ class pattern_folder {
 }  // namespace
 
 void append_folded_class(const fold_table& table, const class_set& set, std::u16string& out) {
-  const std::vector<code_point_range> ranges = folded_ranges(table, set);
-  if (ranges.empty()) {
-    out += u"[^\\x{0}-\\x{10ffff}]";  // matches nothing
-    return;
-  }
-  out += u'[';
-  for (const code_point_range& range : ranges) {
-    append_set_member(out, range.first);
-    if (range.second == range.first) continue;
-    if (range.second > range.first + 1) out += u'-';
-    append_set_member(out, range.second);
-  }
-  out += u']';
+  append_set(single_folds(table, set), !set.negated, fold_runs::of(table).alphabet, out);
 }
 
 folded_pattern fold_pattern(const fold_table& table, std::u16string_view pattern) {
