@@ -40,7 +40,8 @@ TEST_P(EachOption, FindsWhatUsearchFindsOnRandomTextInManyScripts) {
   EXPECT_EQ(counts.usearch_errors, 0);
   EXPECT_EQ(log.total(), 0) << log.summary();
   EXPECT_GT(counts.compared, counts.pairs * 6 / 10);
-  EXPECT_GT(counts.usearch_found * 3, counts.compared);
+  // (Few queries cut from a text are whole words.)
+  EXPECT_GT(counts.usearch_found * 10, counts.compared);
 }
 
 INSTANTIATE_TEST_SUITE_P(

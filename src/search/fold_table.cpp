@@ -186,6 +186,15 @@ bool fold_table::variable_end(UChar32 c) const {
   return listed(lists_->variable_ends, lists_->variable_end_count, c);
 }
 
+const composite_unit* fold_table::composites_begin() const {
+  return lists_->composites[variant_.case_level ? 1 : 0];
+}
+
+const composite_unit* fold_table::composites_end() const {
+  const int list = variant_.case_level ? 1 : 0;
+  return lists_->composites[list] + lists_->composite_count[list];
+}
+
 const composite_unit* fold_table::composite(UChar32 unit) const {
   const int list = variant_.case_level ? 1 : 0;
   const composite_unit* begin = lists_->composites[list];

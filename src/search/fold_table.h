@@ -71,6 +71,9 @@ class fold_table {
   // The elements of `unit`, if it is a composite unit of folded text with
   // accents; else nullptr.
   const composite_unit* composite(UChar32 unit) const;
+  // All of them.
+  const composite_unit* composites_begin() const;
+  const composite_unit* composites_end() const;
 
   // The fold of U+0000..U+02FF, packed: up to two units (first | second << 16),
   // or one of these.

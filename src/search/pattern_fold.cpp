@@ -1,12 +1,14 @@
 #include "search/pattern_fold.h"
 
 #include <algorithm>
+#include <optional>
 #include <utility>
 
 #include <unicode/normalizer2.h>
 #include <unicode/uchar.h>
 #include <unicode/unistr.h>
 
+#include "search/cluster_syntax.h"
 #include "search/code_points.h"
 #include "search/fold_runs.h"
 #include "search/folded_text.h"
@@ -35,9 +37,10 @@ code_point_bits single_folds(const fold_table& table, const class_set& set) {
 
 class pattern_folder {
  public:
-  pattern_folder(const fold_table& table, std::u16string_view pattern)
-      : table_(table), pattern_(pattern), lexer_(pattern) {
+  pattern_folder(const fold_table& table, std::u16string_view pattern, bool typed)
+      : table_(table), typed_(typed), pattern_(pattern), lexer_(pattern) {
     scopes_.push_back(flags{});
+    if (table.variant().accents) clusters_.emplace(table, typed);
   }
 
   folded_pattern run() {
@@ -60,12 +63,12 @@ class pattern_folder {
         case u'(':
           if (skip_comment()) break;  // a comment is not there: a run goes on
           flush(false);
-          open_group(c);
+          keeping_end([&] { open_group(c); });
           break;
         case u')':
           flush(false);
           if (scopes_.size() > 1) scopes_.pop_back();
-          copy(c.start);
+          keeping_end([&] { copy(c.start); });
           break;
         case u'*':
         case u'+':
@@ -81,9 +84,19 @@ class pattern_folder {
           break;
         case u'^':
         case u'$':
-        case u'.':
           flush(false);
           copy(c.start);
+          break;
+        case u'.':
+          flush(false);
+          if (clusters_) {
+            only_literals_ = false;
+            std::u16string any;
+            clusters_->append_any(any);
+            emit_text(any, c.start);
+          } else {
+            copy(c.start);
+          }
           break;
         default:
           literal(c.c, c.start);
@@ -93,10 +106,12 @@ class pattern_folder {
     flush(false);
     out_.origin.push_back(static_cast<int32_t>(pattern_.size()));
     out_.literal = only_literals_;
+    out_.ends_taking_accents = takes_accents_ && !top_level_alternation_;
     // A prefix with surrogates is not used: the text's lone ones are shown
     // to ICU as stand-ins, and the prefix is looked for in that text.
     // Searches that start at a prefix restart the engine, which \G would see.
-    if (top_level_alternation_ || uses_previous_match_ ||
+    // Where diacritics are matched where typed, a letter matches others.
+    if (top_level_alternation_ || uses_previous_match_ || typed_ ||
         std::any_of(out_.prefix.begin(), out_.prefix.end(),
                     [](char16_t unit) { return U16_IS_SURROGATE(unit); })) {
       out_.prefix.clear();
@@ -119,6 +134,8 @@ class pattern_folder {
     for (const char16_t unit : text) emit_unit(unit, origin);
     after_back_reference_ = false;
     anything_emitted_ = true;
+    takes_accents_ = false;
+    at_start_ = false;
   }
 
   // The pattern from `from` to where the lexer is, as written.
@@ -151,7 +168,11 @@ class pattern_folder {
   void emit_class(const class_set& set, int32_t origin) {
     only_literals_ = false;
     std::u16string text;
-    append_folded_class(table_, set, text);
+    if (clusters_) {
+      clusters_->append_class(set, text);
+    } else {
+      append_folded_class(table_, set, text);
+    }
     emit_text(text, origin);
   }
 
@@ -185,12 +206,15 @@ class pattern_folder {
       // starts every match.
       out_.prefix.assign(folded.units.data(), static_cast<std::size_t>(last_piece));
     }
-    if (only_literals_) append_literal_fold(folded);
+    if (only_literals_) {
+      append_literal_fold(folded);
+      out_.literal_text += run_;
+    }
     emit_units(folded, 0, last_piece);
     if (quantified) {
       int32_t at = last_piece;
-      const bool one_code_point =
-          at < size && (next_code_point(folded.units.data(), at, size), at == size);
+      const bool one_code_point = !typed_ && at < size &&
+                                  (next_code_point(folded.units.data(), at, size), at == size);
       const int32_t origin = last_piece < size
                                  ? run_origin_[static_cast<std::size_t>(folded.origin[last_piece])]
                                  : run_origin_.back();
@@ -242,7 +266,36 @@ class pattern_folder {
     }
   }
 
+  // Whether folded units [from, to) hold a lone surrogate (which a regex
+  // matches in either form: see emit_code_point).
+  static bool has_lone_surrogate(const folded_text& folded, int32_t from, int32_t to) {
+    for (int32_t at = from; at < to; ++at) {
+      const char16_t unit = folded.units[at];
+      if (!U16_IS_SURROGATE(unit)) continue;
+      if (U16_IS_LEAD(unit) && at + 1 < to && U16_IS_TRAIL(folded.units[at + 1]) &&
+          !folded.false_pair(at + 1)) {
+        ++at;  // a pair
+        continue;
+      }
+      return true;
+    }
+    return false;
+  }
+
   void emit_units(const folded_text& folded, int32_t from, int32_t to) {
+    const std::u16string_view units(folded.units.data() + from, static_cast<std::size_t>(to - from));
+    if (typed_ && from < to && !has_lone_surrogate(folded, from, to)) {
+      std::u16string text;
+      if (at_start_ && !clusters_->accent(code_point_at(units.data(), 0, to - from))) {
+        // ICU skips the text's accents before a query's first letter: a match
+        // may start with accents that are pieces of their own.
+        clusters_->append_accents(text);
+      }
+      const bool takes_accents = clusters_->append_literal(units, text);
+      emit_text(text, run_origin_[static_cast<std::size_t>(folded.origin[from])]);
+      takes_accents_ = takes_accents;
+      return;
+    }
     for (int32_t at = from; at < to;) {
       const int32_t origin = run_origin_[static_cast<std::size_t>(folded.origin[at])];
       if (at + 1 < to && folded.false_pair(at + 1)) {  // two lone surrogates
@@ -284,6 +337,16 @@ class pattern_folder {
     } else {
       literal(c.c, backslash.start);  // any other escaped character stands for itself
     }
+  }
+
+  // Emits a group's parenthesis, which leaves what the pattern ends with as it was.
+  template <class Emit>
+  void keeping_end(Emit emit) {
+    const bool takes_accents = takes_accents_;
+    const bool at_start = at_start_;
+    emit();
+    takes_accents_ = takes_accents;
+    at_start_ = at_start;
   }
 
   // Skips "(?#...)" after its "(", if that is what follows.
@@ -369,6 +432,8 @@ class pattern_folder {
   }
 
   const fold_table& table_;
+  bool typed_;                                  // diacritics matched where typed
+  std::optional<cluster_syntax> clusters_;      // with accents
   std::u16string_view pattern_;
   pattern_lexer lexer_;
   std::vector<flags> scopes_;
@@ -376,6 +441,8 @@ class pattern_folder {
   std::vector<int32_t> run_origin_;  // for each unit of run_, its offset in the pattern
   bool after_back_reference_ = false;
   bool anything_emitted_ = false;  // syntax dropped (a comment) counts as nothing
+  bool takes_accents_ = false;     // what was emitted last takes the text's accents after it
+  bool at_start_ = true;           // nothing but group openings emitted yet
   bool only_literals_ = true;
   bool top_level_alternation_ = false;
   bool uses_previous_match_ = false;  // \G
@@ -388,8 +455,8 @@ void append_folded_class(const fold_table& table, const class_set& set, std::u16
   append_set(single_folds(table, set), !set.negated, fold_runs::of(table).alphabet, out);
 }
 
-folded_pattern fold_pattern(const fold_table& table, std::u16string_view pattern) {
-  return pattern_folder(table, pattern).run();
+folded_pattern fold_pattern(const fold_table& table, std::u16string_view pattern, bool typed) {
+  return pattern_folder(table, pattern, typed).run();
 }
 
 }  // namespace scl::regex::detail

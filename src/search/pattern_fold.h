@@ -44,8 +44,13 @@ struct folded_pattern {
   // their fold, which literal search finds as ICU would.
   bool literal = false;
   literal_query literal_fold;
+  std::u16string literal_text;  // ... and the characters they are
   // Folded units that every match starts with (empty if there are none).
   std::u16string prefix;
+  // With diacritics matched where typed: the pattern ends with a letter and
+  // the accents after it, which ICU's usearch does not take past the piece of
+  // that letter (regex_search.h).
+  bool ends_taking_accents = false;
 
   // The offset in the caller's pattern of folded position `at`.
   int32_t source_offset(std::size_t at) const {
@@ -53,7 +58,10 @@ struct folded_pattern {
   }
 };
 
-folded_pattern fold_pattern(const fold_table& table, std::u16string_view pattern);
+// With `typed`, diacritics are matched where typed (cluster_syntax.h); with
+// a table that keeps accents, classes and "." match clusters.
+folded_pattern fold_pattern(const fold_table& table, std::u16string_view pattern,
+                            bool typed = false);
 
 // Appends to `out` the set of the folds of `set` (see above), as pattern text.
 void append_folded_class(const fold_table& table, const class_set& set, std::u16string& out);

@@ -10,6 +10,7 @@
 
 #include <unicode/regex.h>
 
+#include "search/fold_runs.h"
 #include "search/fold_table.h"
 #include "search/folded_text.h"
 #include "search/match_rules.h"
@@ -33,13 +34,18 @@ struct regex_matches {
 // match starts with: ICU is asked to search only from where it occurs. ICU's matches that break the
 // rules are skipped, and the search goes on from the next piece. Throws regex_exception:
 // U_REGEX_TIME_OUT when the calling thread's match_time_limit stops the search, or ICU's code.
-// `policy` adds the rules of the search's options.
+// `policy` adds the rules of the search's options. With `trailing_accents`
+// (a pattern that ends taking the accents after a letter, where diacritics
+// are matched where typed), a match leaves out those accents that are not in
+// the piece of its last letter, as ICU's usearch does.
 void find_regex(const fold_table& table, const icu::RegexPattern& pattern,
-                std::u16string_view prefix, match_policy policy, const char16_t* source,
+                std::u16string_view prefix, match_policy policy,
+                const code_point_bits* trailing_accents, const char16_t* source,
                 folded_text& folded, std::size_t limit, regex_matches& out);
 void find_regex(const fold_table& table, const icu::RegexPattern& pattern,
-                std::u16string_view prefix, match_policy policy, const char* source,
-                folded_text& folded, std::size_t limit, regex_matches& out);
+                std::u16string_view prefix, match_policy policy,
+                const code_point_bits* trailing_accents, const char* source, folded_text& folded,
+                std::size_t limit, regex_matches& out);
 
 }  // namespace scl::regex::detail
 

@@ -11,6 +11,7 @@
 #include "icu/compile.h"
 #include "icu/icu_string.h"
 #include "icu/replacement_template.h"
+#include "search/cluster_syntax.h"
 #include "search/code_points.h"
 #include "search/fold_table.h"
 #include "search/folded_text.h"
@@ -40,6 +41,9 @@ struct search_program {
   // start every match.
   shared_pattern pattern;
   std::u16string prefix;
+  // Diacritics matched where typed: the accents a match leaves out after its
+  // last letter, if the pattern ends taking them (find_regex).
+  const code_point_bits* trailing_accents = nullptr;
   int group_count = 0;
 };
 
@@ -76,19 +80,24 @@ detail::literal_query fold_literal(std::u16string_view query,
   return detail::literal_query::of(folded);
 }
 
-compiled_query compile_literal(std::u16string_view query, const search_options& options) {
-  auto program = new_program(query_syntax::literal, options);
-  detail::search_settings& settings = program->settings;
-  program->query = fold_literal(query, settings);
+// Makes `program` search `query` as a literal query.
+void make_literal(detail::search_program& program, std::u16string_view query) {
+  detail::search_settings& settings = program.settings;
+  program.query = fold_literal(query, settings);
   if (settings.typed_accents) {
-    if (program->query.units.empty()) {
+    if (program.query.units.empty()) {
       // Accents alone, with no letter to find them by: they are found as
       // they are typed, then checked as any query is.
       settings.fold = settings.accents;
-      program->query = fold_literal(query, settings);
+      program.query = fold_literal(query, settings);
     }
-    program->accents = detail::typed_accents(detail::fold_table::get(settings.accents), query);
+    program.accents = detail::typed_accents(detail::fold_table::get(settings.accents), query);
   }
+}
+
+compiled_query compile_literal(std::u16string_view query, const search_options& options) {
+  auto program = new_program(query_syntax::literal, options);
+  make_literal(*program, query);
   return compiled_query{std::move(program), std::nullopt, npos};
 }
 
@@ -107,8 +116,9 @@ compiled_query compile_regex(std::u16string_view query, const search_options& op
                           error_offset(std::u16string(query), as_written)};
   }
   auto program = new_program(query_syntax::regex, options);
+  const bool typed = options.diacritics == diacritics_rule::match_typed;
   const detail::folded_pattern folded =
-      detail::fold_pattern(detail::fold_table::get(program->settings.fold), query);
+      detail::fold_pattern(detail::fold_table::get(program->settings.fold), query, typed);
   const detail::compiled_pattern compiled = detail::compile_prepared(folded.text, 0);
   if (!compiled) {
     const std::size_t at = error_offset(folded.text, compiled);
@@ -117,7 +127,17 @@ compiled_query compile_regex(std::u16string_view query, const search_options& op
   }
   program->pattern = compiled.pattern;
   program->prefix = folded.prefix;
-  if (folded.literal) program->query = folded.literal_fold;
+  if (folded.ends_taking_accents) {
+    program->trailing_accents =
+        &detail::cluster_syntax::accents_of(detail::fold_table::get(program->settings.fold));
+  }
+  if (folded.literal && typed) {
+    // Searched as the literal query it is, whose accents are checked after.
+    program->settings = detail::search_settings::of(options, query_syntax::literal);
+    make_literal(*program, folded.literal_text);
+  } else if (folded.literal) {
+    program->query = folded.literal_fold;
+  }
   UErrorCode status = U_ZERO_ERROR;
   const std::unique_ptr<icu::RegexMatcher> matcher(program->pattern->matcher(status));
   if (U_FAILURE(status)) return compiled_query{nullptr, regex_exception(status), npos};
@@ -210,8 +230,8 @@ detail::regex_matches search(const detail::search_program* program,
   if (program->query.units.empty()) {
     // A regex may look anywhere: the whole text is folded first.
     detail::fold_text(table, text.data(), size, true, folded);
-    detail::find_regex(table, *program->pattern, program->prefix, policy, text.data(), folded,
-                       limit, found);
+    detail::find_regex(table, *program->pattern, program->prefix, policy,
+                       program->trailing_accents, text.data(), folded, limit, found);
     return found;
   }
   // The search follows the fold, so that it can stop at the first match. (One

@@ -1,0 +1,275 @@
+#include "search/cluster_syntax.h"
+
+#include <array>
+#include <memory>
+#include <mutex>
+
+#include "search/code_points.h"
+#include "search/pattern_text.h"
+
+namespace scl::regex::detail {
+
+struct cluster_syntax::alphabet {
+  code_point_bits accents;  // the accents of folded text
+  std::u16string any_accents;  // pattern text: any accents, or none
+  // For a letter with the common secondary weight, the other letters of
+  // folded text that fold to it without accents ("\u00f0" for "d").
+  std::map<UChar32, std::vector<UChar32>> others;
+};
+
+const cluster_syntax::alphabet& cluster_syntax::alphabet_of(const fold_table& table) {
+  static std::array<std::once_flag, fold_variant::count> once;
+  static std::array<std::unique_ptr<const alphabet>, fold_variant::count> made;
+  const auto index = static_cast<std::size_t>(table.variant().index());
+  std::call_once(once[index], [&] {
+    auto result = std::make_unique<alphabet>();
+    const code_point_bits& folds = fold_runs::of(table).alphabet;
+    const fold_table& root = fold_table::get();
+    const fold_table& letters = fold_table::get(table.variant().without_accents());
+    std::u16string fold;
+    for (UChar32 c = folds.next(0, true); c < code_point_bits::limit; c = folds.next(c + 1, true)) {
+      if (c == dot_accent || fold_value::kind(root.value(c)) == fold_kind::nothing) {
+        result->accents.set(c, c);
+        continue;
+      }
+      if (fold_value::kind(letters.value(c)) == fold_kind::self) continue;
+      fold.clear();
+      letters.append_fold(c, fold);
+      int32_t at = 0;
+      const auto length = static_cast<int32_t>(fold.size());
+      const UChar32 letter = next_code_point(fold.data(), at, length);
+      if (at == length && table.composite(c) == nullptr) result->others[letter].push_back(c);
+    }
+    append_set(result->accents, true, folds, result->any_accents);
+    result->any_accents += u'*';
+    made[index] = std::move(result);
+  });
+  return *made[index];
+}
+
+cluster_syntax::cluster_syntax(const fold_table& table, bool typed)
+    : table_(table), typed_(typed), alphabet_(alphabet_of(table)) {}
+
+bool cluster_syntax::accent(UChar32 unit) const { return alphabet_.accents.test(unit); }
+
+bool cluster_syntax::common(UChar32 letter) const {
+  // The letter has the common secondary weight when it is what its fold
+  // without accents folds to with them.
+  std::u16string base;
+  fold_table::get(table_.variant().without_accents()).append_fold(letter, base);
+  std::u16string back;
+  int32_t at = 0;
+  const auto length = static_cast<int32_t>(base.size());
+  if (length == 0) return false;
+  const UChar32 first = next_code_point(base.data(), at, length);
+  if (at != length) return false;
+  fold_table::get(table_.variant().without_case()).append_fold(first, back);
+  std::u16string self;
+  fold_table::get(table_.variant().without_case()).append_fold(letter, self);
+  return back == self;
+}
+
+void cluster_syntax::append_letter(UChar32 letter, std::u16string& out) const {
+  if (!common(letter) || table_.composite(letter) != nullptr) {
+    append_literal_code_point(out, letter);
+    return;
+  }
+  out += u'[';
+  append_literal_code_point(out, letter);
+  const auto others = alphabet_.others.find(letter);
+  if (others != alphabet_.others.end()) {
+    for (const UChar32 other : others->second) append_literal_code_point(out, other);
+  }
+  out += u']';
+}
+
+void cluster_syntax::widen(code_point_bits& letters) const {
+  for (const auto& [letter, others] : alphabet_.others) {
+    if (!letters.test(letter) || !common(letter)) continue;
+    for (const UChar32 other : others) letters.set(other, other);
+  }
+}
+
+const code_point_bits& cluster_syntax::accents_of(const fold_table& table) {
+  return alphabet_of(table).accents;
+}
+
+bool cluster_syntax::append_literal(std::u16string_view units, std::u16string& out) const {
+  if (!typed_) {
+    const auto size = static_cast<int32_t>(units.size());
+    for (int32_t at = 0; at < size;) append_literal_code_point(out, next_code_point(units.data(), at, size));
+    return false;
+  }
+  struct item {
+    UChar32 unit;
+    bool accent;
+  };
+  std::vector<item> items;
+  const auto size = static_cast<int32_t>(units.size());
+  for (int32_t at = 0; at < size;) {
+    const UChar32 unit = next_code_point(units.data(), at, size);
+    items.push_back({unit, accent(unit)});
+  }
+  const std::u16string& any_accents = alphabet_.any_accents;
+  const fold_table& letters = fold_table::get(table_.variant().without_accents());
+  // Where consecutive letters, typed without accents, could be one letter of
+  // the text that stands for several ("ss" for "\u00df").
+  auto composite_at = [&](std::size_t i) -> const composite_unit* {
+    for (const composite_unit* unit = table_.composites_begin(); unit != table_.composites_end();
+         ++unit) {
+      if (i + unit->count > items.size()) continue;
+      bool fits = true;
+      for (std::uint32_t j = 0; j < unit->count && fits; ++j) {
+        const item& it = items[i + j];
+        std::u16string fold;
+        if (!it.accent) letters.append_fold(it.unit, fold);
+        std::u16string primary;
+        if (unit->primaries[j] != 0) append_code_point(primary, static_cast<UChar32>(unit->primaries[j]));
+        fits = unit->primaries[j] != 0 && !it.accent && common(it.unit) && fold == primary;
+      }
+      if (fits) return unit;
+    }
+    return nullptr;
+  };
+  bool open = false;  // a letter's accents may follow
+  for (std::size_t i = 0; i < items.size();) {
+    if (items[i].accent) {
+      append_literal_code_point(out, items[i].unit);
+      ++i;
+      continue;
+    }
+    if (open) out += any_accents;
+    if (const composite_unit* unit = composite_at(i)) {
+      out += u"(?:";
+      append_literal_code_point(out, static_cast<UChar32>(unit->unit));
+      out += u'|';
+      for (std::uint32_t j = 0; j < unit->count; ++j) {
+        if (j != 0) out += any_accents;
+        append_letter(items[i + j].unit, out);
+      }
+      out += u')';
+      i += unit->count;
+    } else {
+      append_letter(items[i].unit, out);
+      ++i;
+    }
+    open = true;
+  }
+  if (!items.empty() && items.back().accent) {
+    // After a last accent, more of the same may follow, and no other.
+    out += u"(?:";
+    append_literal_code_point(out, items.back().unit);
+    out += u")*(?!";
+    out.append(any_accents, 0, any_accents.size() - 1);
+    out += u')';
+    return false;
+  }
+  if (open) out += any_accents;
+  return open;
+}
+
+void cluster_syntax::append_members(const class_set& set, std::u16string& out) const {
+  const fold_runs& runs = fold_runs::of(table_);
+  code_point_bits singles;  // members that fold to one code point
+  std::map<std::u16string, code_point_bits> with_accents;  // by their accents, their letters
+  std::vector<std::u16string> accents_alone;
+  for (int32_t i = 0; i < set.members.getRangeCount(); ++i) {
+    const UChar32 first = set.members.getRangeStart(i);
+    const UChar32 last = set.members.getRangeEnd(i);
+    std::size_t run = runs.run_of(first);
+    for (UChar32 c = first; c <= last; ++run) {
+      const UChar32 end = std::min(runs.run_end(run), last);
+      const std::uint32_t value = runs.values[run];
+      if (fold_value::kind(value) == fold_kind::pool) {
+        // A letter and its accents, or accents alone: one cluster.
+        const char16_t* units = table_.pool() + fold_value::pool_offset(value);
+        const auto length = static_cast<int32_t>(fold_value::pool_length(value));
+        int32_t at = 0;
+        const UChar32 head = next_code_point(units, at, length);
+        if (at == length) {
+          singles.set(head, head);
+          c = end + 1;
+          continue;
+        }
+        bool cluster = true;
+        for (int32_t k = at; k < length && cluster;) cluster = accent(next_code_point(units, k, length));
+        if (cluster && accent(head)) {
+          accents_alone.emplace_back(units, static_cast<std::size_t>(length));
+        } else if (cluster) {
+          with_accents[std::u16string(units + at, static_cast<std::size_t>(length - at))].set(head,
+                                                                                               head);
+        }
+      } else {
+        set_folds(table_, c, end, value, singles);
+      }
+      c = end + 1;
+    }
+  }
+  const std::u16string& any_accents = alphabet_.any_accents;
+  out += u"(?:";
+  bool first_alternative = true;
+  auto next_alternative = [&] {
+    if (!first_alternative) out += u'|';
+    first_alternative = false;
+  };
+  if (typed_) {
+    // Letters with any accents; accents alone as they are.
+    code_point_bits letters;
+    code_point_bits lone;
+    for (UChar32 c = singles.next(0, true); c < code_point_bits::limit;
+         c = singles.next(c + 1, true)) {
+      (accent(c) ? lone : letters).set(c, c);
+    }
+    widen(letters);
+    next_alternative();
+    append_set(letters, true, runs.alphabet, out);
+    out += any_accents;
+    next_alternative();
+    append_set(lone, true, runs.alphabet, out);
+  } else {
+    next_alternative();
+    append_set(singles, true, runs.alphabet, out);
+  }
+  for (auto& [accents, letters] : with_accents) {
+    if (typed_) widen(letters);
+    next_alternative();
+    append_set(letters, true, runs.alphabet, out);
+    for (int32_t at = 0; at < static_cast<int32_t>(accents.size());) {
+      append_literal_code_point(out, next_code_point(accents.data(), at, static_cast<int32_t>(accents.size())));
+    }
+  }
+  for (const std::u16string& accents : accents_alone) {
+    next_alternative();
+    for (int32_t at = 0; at < static_cast<int32_t>(accents.size());) {
+      append_literal_code_point(out, next_code_point(accents.data(), at, static_cast<int32_t>(accents.size())));
+    }
+  }
+  // No more accents after the cluster: a letter alone is not the letter with
+  // an accent. (Where typed, letters take all their accents.)
+  out += u")(?!";
+  out += any_accents.substr(0, any_accents.size() - 1);
+  out += u')';
+}
+
+void cluster_syntax::append_class(const class_set& set, std::u16string& out) const {
+  std::u16string members;
+  append_members(set, members);
+  if (!set.negated) {
+    out += u"(?:" + members + u")";
+    return;
+  }
+  // Any cluster but those.
+  out += u"(?:(?!" + members + u")";
+  append_any(out);
+  out += u")";
+}
+
+void cluster_syntax::append_accents(std::u16string& out) const { out += alphabet_.any_accents; }
+
+void cluster_syntax::append_any(std::u16string& out) const {
+  out += u"(?:.";
+  out += alphabet_.any_accents;
+  out += u')';
+}
+
+}  // namespace scl::regex::detail
