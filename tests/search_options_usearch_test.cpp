@@ -2,7 +2,9 @@
 // (support/search_differential.h): each toggle of a search box alone, and
 // every combination of them.
 #include <cstdio>
+#include <ostream>
 #include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -15,9 +17,11 @@ namespace {
 using namespace scl_regex_test::search_differential;
 
 struct option_set {
-  const char* name;
+  std::string name;
   re::search_options options;
 };
+
+void PrintTo(const option_set& set, std::ostream* out) { *out << set.name; }
 
 re::search_options make_options(bool match_case, re::diacritics_rule diacritics, bool whole_words,
                                 bool ignore_punctuation) {
@@ -35,7 +39,7 @@ class EachOption : public testing::TestWithParam<option_set> {};
 TEST_P(EachOption, FindsWhatUsearchFindsOnRandomTextInManyScripts) {
   failure_log log;
   const differential_counts counts = run_differential(GetParam().options, 20261125, 2500, 4, log);
-  std::printf("%s: %s\n", GetParam().name, counts.summary().c_str());
+  std::printf("%s: %s\n", GetParam().name.c_str(), counts.summary().c_str());
   EXPECT_EQ(counts.disagreements, 0);
   EXPECT_EQ(counts.usearch_errors, 0);
   EXPECT_EQ(log.total(), 0) << log.summary();
@@ -55,6 +59,46 @@ INSTANTIATE_TEST_SUITE_P(
         option_set{"whole_words", make_options(false, re::diacritics_rule::ignore, true, false)},
         option_set{"ignore_punctuation",
                    make_options(false, re::diacritics_rule::ignore, false, true)}),
-    [](const testing::TestParamInfo<option_set>& info) { return std::string(info.param.name); });
+    [](const testing::TestParamInfo<option_set>& info) { return info.param.name; });
+
+// Every combination of the toggles.
+std::vector<option_set> every_combination() {
+  std::vector<option_set> sets;
+  const std::pair<re::diacritics_rule, const char*> rules[] = {
+      {re::diacritics_rule::ignore, "ignore"},
+      {re::diacritics_rule::match, "match"},
+      {re::diacritics_rule::match_typed, "typed"}};
+  for (const bool match_case : {false, true}) {
+    for (const auto& [rule, rule_name] : rules) {
+      for (const bool whole_words : {false, true}) {
+        for (const bool ignore_punctuation : {false, true}) {
+          sets.push_back({std::string(match_case ? "case" : "nocase") + "_" + rule_name +
+                              (whole_words ? "_words" : "") +
+                              (ignore_punctuation ? "_punctuation" : ""),
+                          make_options(match_case, rule, whole_words, ignore_punctuation)});
+        }
+      }
+    }
+  }
+  return sets;
+}
+
+class EveryCombination : public testing::TestWithParam<option_set> {};
+
+// 500 texts, 4 queries each, for each combination.
+TEST_P(EveryCombination, FindsWhatUsearchFinds) {
+  failure_log log;
+  const differential_counts counts = run_differential(GetParam().options, 31, 500, 4, log);
+  std::printf("%s: %s\n", GetParam().name.c_str(), counts.summary().c_str());
+  EXPECT_EQ(counts.disagreements, 0);
+  EXPECT_EQ(counts.usearch_errors, 0);
+  EXPECT_EQ(log.total(), 0) << log.summary();
+  EXPECT_GT(counts.compared, counts.pairs / 2);
+}
+
+INSTANTIATE_TEST_SUITE_P(Options, EveryCombination, testing::ValuesIn(every_combination()),
+                         [](const testing::TestParamInfo<option_set>& info) {
+                           return info.param.name;
+                         });
 
 }  // namespace

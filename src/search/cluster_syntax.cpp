@@ -15,6 +15,9 @@ struct cluster_syntax::alphabet {
   // For a letter with the common secondary weight, the other letters of
   // folded text that fold to it without accents ("\u00f0" for "d").
   std::map<UChar32, std::vector<UChar32>> others;
+  // With case: the accents that are one accent without case (U+309A and the
+  // halfwidth U+FF9F, which has the case bits of a capital).
+  std::map<UChar32, std::vector<UChar32>> same_accents;
 };
 
 const cluster_syntax::alphabet& cluster_syntax::alphabet_of(const fold_table& table) {
@@ -30,6 +33,13 @@ const cluster_syntax::alphabet& cluster_syntax::alphabet_of(const fold_table& ta
     for (UChar32 c = folds.next(0, true); c < code_point_bits::limit; c = folds.next(c + 1, true)) {
       if (c == dot_accent || fold_value::kind(root.value(c)) == fold_kind::nothing) {
         result->accents.set(c, c);
+        if (table.variant().case_level) {
+          fold.clear();
+          fold_table::get(table.variant().without_case()).append_fold(c, fold);
+          int32_t at = 0;
+          const auto length = static_cast<int32_t>(fold.size());
+          if (length != 0) result->same_accents[next_code_point(fold.data(), at, length)].push_back(c);
+        }
         continue;
       }
       if (fold_value::kind(letters.value(c)) == fold_kind::self) continue;
@@ -51,6 +61,26 @@ cluster_syntax::cluster_syntax(const fold_table& table, bool typed)
     : table_(table), typed_(typed), alphabet_(alphabet_of(table)) {}
 
 bool cluster_syntax::accent(UChar32 unit) const { return alphabet_.accents.test(unit); }
+
+void cluster_syntax::append_accent(UChar32 accent, std::u16string& out) const {
+  // The case level does not look at accents.
+  if (table_.variant().case_level) {
+    std::u16string fold;
+    fold_table::get(table_.variant().without_case()).append_fold(accent, fold);
+    int32_t at = 0;
+    const auto length = static_cast<int32_t>(fold.size());
+    const auto same = length == 0 ? alphabet_.same_accents.end()
+                                  : alphabet_.same_accents.find(
+                                        next_code_point(fold.data(), at, length));
+    if (same != alphabet_.same_accents.end() && same->second.size() > 1) {
+      out += u'[';
+      for (const UChar32 c : same->second) append_literal_code_point(out, c);
+      out += u']';
+      return;
+    }
+  }
+  append_literal_code_point(out, accent);
+}
 
 bool cluster_syntax::common(UChar32 letter) const {
   // The letter has the common secondary weight when it is what its fold
@@ -134,7 +164,7 @@ bool cluster_syntax::append_literal(std::u16string_view units, std::u16string& o
   bool open = false;  // a letter's accents may follow
   for (std::size_t i = 0; i < items.size();) {
     if (items[i].accent) {
-      append_literal_code_point(out, items[i].unit);
+      append_accent(items[i].unit, out);
       ++i;
       continue;
     }
@@ -158,7 +188,7 @@ bool cluster_syntax::append_literal(std::u16string_view units, std::u16string& o
   if (!items.empty() && items.back().accent) {
     // After a last accent, more of the same may follow, and no other.
     out += u"(?:";
-    append_literal_code_point(out, items.back().unit);
+    append_accent(items.back().unit, out);
     out += u")*(?!";
     out.append(any_accents, 0, any_accents.size() - 1);
     out += u')';
@@ -264,7 +294,14 @@ void cluster_syntax::append_class(const class_set& set, std::u16string& out) con
   out += u")";
 }
 
-void cluster_syntax::append_accents(std::u16string& out) const { out += alphabet_.any_accents; }
+void cluster_syntax::append_accents(std::u16string& out, bool dot_apart) const {
+  if (dot_apart) {
+    out += u"(?!";
+    append_literal_code_point(out, dot_accent);
+    out += u')';
+  }
+  out += alphabet_.any_accents;
+}
 
 void cluster_syntax::append_any(std::u16string& out) const {
   out += u"(?:.";

@@ -43,8 +43,9 @@ class cluster_syntax {
   void append_class(const class_set& set, std::u16string& out) const;
   // Appends what "." becomes: one cluster.
   void append_any(std::u16string& out) const;
-  // Appends pattern text for any accents, or none.
-  void append_accents(std::u16string& out) const;
+  // Appends pattern text for any accents, or none; with `dot_apart`, not
+  // starting with dot_accent (see typed_accents.h).
+  void append_accents(std::u16string& out, bool dot_apart = false) const;
   // What the pattern text of one table needs, made once per process.
   struct alphabet;
   static const alphabet& alphabet_of(const fold_table& table);
@@ -57,6 +58,8 @@ class cluster_syntax {
   // typed: the letter, and the same letter with other secondary weights.
   void append_letter(UChar32 letter, std::u16string& out) const;
   bool common(UChar32 letter) const;
+  // Appends an accent of a literal, where typed.
+  void append_accent(UChar32 accent, std::u16string& out) const;
   // Adds to `letters` the letters that each of them matches where typed.
   void widen(code_point_bits& letters) const;
   // The positive class, without the grouping around it.

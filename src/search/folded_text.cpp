@@ -336,6 +336,9 @@ class folder {
         break;
       }
       const UChar32 c = previous_code_point(text_, position);
+      if (c == middle_dot && position > 0 && is_l(code_point_before(text_, position))) {
+        continue;  // the dot of "l\u00b7", an accent
+      }
       if (variable(c) || table_.variable_end(c)) {
         after = true;
         break;

@@ -21,6 +21,7 @@
 #include <unicode/uchar.h>
 
 #include "search/code_points.h"
+#include "search/fold_runs.h"
 #include "search/fold_table.h"
 #include "search/folded_text.h"
 #include "search/grapheme_boundary.h"
@@ -38,6 +39,9 @@ struct source_span {
 struct match_policy {
   bool shifted = false;                // spaces and punctuation are ignored
   const word_breaks* words = nullptr;  // whole words: the source's word boundaries
+  // Diacritics matched where typed, in folded text with accents: the accents
+  // a match takes after its last letter, which a word may end after.
+  const code_point_bits* trailing_accents = nullptr;
 };
 
 template <class Unit>
@@ -119,7 +123,11 @@ class match_rules {
   bool ends_word(int32_t end, source_span& span) const {
     if (policy_.words->is_boundary(span.end)) return true;
     const int32_t boundary = policy_.words->following(span.end);
-    const int32_t next_piece = end < folded_.size ? folded_.origin[end] : size_;
+    int32_t next = end;
+    if (policy_.trailing_accents != nullptr) {
+      while (next < folded_.size && policy_.trailing_accents->test(folded_.units[next])) ++next;
+    }
+    const int32_t next_piece = next < folded_.size ? folded_.origin[next] : size_;
     if (boundary > next_piece) return false;
     span.end = boundary;
     return true;

@@ -38,7 +38,11 @@ code_point_bits single_folds(const fold_table& table, const class_set& set) {
 class pattern_folder {
  public:
   pattern_folder(const fold_table& table, std::u16string_view pattern, bool typed)
-      : table_(table), typed_(typed), pattern_(pattern), lexer_(pattern) {
+      : table_(table),
+        typed_(typed),
+        dot_apart_(typed && table.variant().case_level && !table.variant().shifted),
+        pattern_(pattern),
+        lexer_(pattern) {
     scopes_.push_back(flags{});
     if (table.variant().accents) clusters_.emplace(table, typed);
   }
@@ -289,7 +293,7 @@ class pattern_folder {
       if (at_start_ && !clusters_->accent(code_point_at(units.data(), 0, to - from))) {
         // ICU skips the text's accents before a query's first letter: a match
         // may start with accents that are pieces of their own.
-        clusters_->append_accents(text);
+        clusters_->append_accents(text, dot_apart_);
       }
       const bool takes_accents = clusters_->append_literal(units, text);
       emit_text(text, run_origin_[static_cast<std::size_t>(folded.origin[from])]);
@@ -433,6 +437,7 @@ class pattern_folder {
 
   const fold_table& table_;
   bool typed_;                                  // diacritics matched where typed
+  bool dot_apart_;  // with case: no match starts at the dot of "l\u00b7" (typed_accents.h)
   std::optional<cluster_syntax> clusters_;      // with accents
   std::u16string_view pattern_;
   pattern_lexer lexer_;

@@ -1,5 +1,6 @@
 #include "scl/regex/search_pattern.h"
 
+#include <algorithm>
 #include <string>
 #include <utility>
 
@@ -71,6 +72,17 @@ std::shared_ptr<detail::search_program> new_program(query_syntax syntax,
   return program;
 }
 
+// Whether `query` folds, as `variant` says, to accents alone.
+bool accents_alone(std::u16string_view query, detail::fold_variant variant) {
+  const detail::fold_table& table = detail::fold_table::get(variant);
+  detail::folded_text folded;
+  detail::fold_text(table, query.data(), detail::icu_length(query.size()), false, folded);
+  const detail::code_point_bits& accents = detail::cluster_syntax::accents_of(table);
+  const std::u16string_view units = folded.text();
+  return !units.empty() && std::all_of(units.begin(), units.end(),
+                                       [&](char16_t unit) { return accents.test(unit); });
+}
+
 // The literal query folded as `settings` say.
 detail::literal_query fold_literal(std::u16string_view query,
                                    const detail::search_settings& settings) {
@@ -84,6 +96,13 @@ detail::literal_query fold_literal(std::u16string_view query,
 void make_literal(detail::search_program& program, std::u16string_view query) {
   detail::search_settings& settings = program.settings;
   program.query = fold_literal(query, settings);
+  const detail::fold_variant accent_fold = settings.typed_accents ? settings.accents : settings.fold;
+  if (accent_fold.accents && accent_fold.shifted && accents_alone(query, accent_fold)) {
+    // As in ICU's usearch with "shifted", accents alone are nothing to find.
+    program.query = {};
+    settings.typed_accents = false;
+    return;
+  }
   if (settings.typed_accents) {
     if (program.query.units.empty()) {
       // Accents alone, with no letter to find them by: they are found as
@@ -91,7 +110,9 @@ void make_literal(detail::search_program& program, std::u16string_view query) {
       settings.fold = settings.accents;
       program.query = fold_literal(query, settings);
     }
-    program.accents = detail::typed_accents(detail::fold_table::get(settings.accents), query);
+    program.accents =
+        detail::typed_accents(detail::fold_table::get(settings.accents), query,
+                              program.options.match_case && !program.options.ignore_punctuation);
   }
 }
 
@@ -226,7 +247,12 @@ detail::regex_matches search(const detail::search_program* program,
   const int32_t size = detail::icu_length(text.size());
   std::optional<detail::word_breaks> words;
   if (settings.whole_words) words.emplace(text.data(), size);
-  const detail::match_policy policy{settings.fold.shifted, words ? &*words : nullptr};
+  const detail::match_policy policy{
+      settings.fold.shifted, words ? &*words : nullptr,
+      program->syntax == query_syntax::regex && program->options.diacritics ==
+                                                    diacritics_rule::match_typed
+          ? &detail::cluster_syntax::accents_of(table)
+          : nullptr};
   if (program->query.units.empty()) {
     // A regex may look anywhere: the whole text is folded first.
     detail::fold_text(table, text.data(), size, true, folded);

@@ -13,8 +13,9 @@ constexpr UChar32 middle_dot = 0xB7;
 
 }  // namespace
 
-typed_accents::typed_accents(const fold_table& accents, std::u16string_view query)
-    : table_(&accents) {
+typed_accents::typed_accents(const fold_table& accents, std::u16string_view query,
+                             bool dot_apart)
+    : table_(&accents), dot_apart_(dot_apart) {
   folded_text folded;
   fold_text(accents, query.data(), static_cast<int32_t>(query.size()), false, folded);
   elements_of(folded, 0, query_);
@@ -91,7 +92,9 @@ std::size_t typed_accents::match_from(const std::vector<element>& text, std::siz
 
 bool typed_accents::accent(UChar32 c, UChar32 previous) const {
   if (c == middle_dot && (previous == u'l' || previous == u'L')) return true;  // "l\u00b7"
-  return fold_value::kind(fold_table::get().value(c)) == fold_kind::nothing;
+  // Punctuation that "shifted" ignores is no element either.
+  return fold_value::kind(fold_table::get().value(c)) == fold_kind::nothing ||
+         (table_->variant().shifted && fold_value::kind(table_->value(c)) == fold_kind::nothing);
 }
 
 template <class Unit>
@@ -129,6 +132,7 @@ bool typed_accents::place_in(const Unit* source, int32_t size, int32_t limit, so
   // Each accent before the match, then the match's own start.
   for (std::size_t i = first; i < text.size() && text[i].piece_start <= span.start; ++i) {
     if (i > first && text[i].piece_start == text[i - 1].piece_start) continue;
+    if (dot_apart_ && text[i].unit == dot_accent) continue;
     if (!may_start(text[i].piece_start)) continue;
     const std::size_t matched = match_from(text, i);
     if (matched == 0) continue;

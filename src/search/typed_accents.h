@@ -36,8 +36,10 @@ class typed_accents {
  public:
   typed_accents() = default;
   // The elements of `query`, folded with `accents` (a table with accents and
-  // without case).
-  typed_accents(const fold_table& accents, std::u16string_view query);
+  // without case). With `dot_apart`, a match may not start at the dot of
+  // "l\u00b7": the case level compares the match apart from its text, where
+  // that dot is punctuation (unless punctuation is ignored).
+  typed_accents(const fold_table& accents, std::u16string_view query, bool dot_apart);
 
   // Whether the match found without accents at source `span` (of the whole
   // source[0, size)) has the query's accents; if so, moves `span` to where the
@@ -72,11 +74,12 @@ class typed_accents {
   // of what may follow a match; returns one past the last element matched, or
   // 0 if it does not match.
   std::size_t match_from(const std::vector<element>& text, std::size_t from) const;
-  // Whether `c`, after `previous`, folds to nothing without accents (an accent,
-  // or what folds to nothing anyway).
+  // Whether `c`, after `previous`, has no element but accents: an accent, or
+  // what folds to nothing anyway, or punctuation that "shifted" ignores.
   bool accent(UChar32 c, UChar32 previous) const;
 
   const fold_table* table_ = nullptr;
+  bool dot_apart_ = false;
   std::vector<element> query_;
 };
 
