@@ -311,7 +311,24 @@ class folder {
       last_piece_empty_ = false;
       return;
     }
+    const int32_t from = out_.size;
     put_fold(c, value, out_.origin[out_.size - 1]);
+    order_accents(from);
+  }
+
+  // Moves the accents folded from `from` on before the accents of their piece
+  // with a higher combining class: the canonical order in which the collator
+  // reads them ("\u00f3" U+0338 folds as "\u01fe" does).
+  void order_accents(int32_t from) {
+    for (int32_t k = from; k < out_.size; ++k) {
+      const uint8_t klass = unorm2_getCombiningClass(table_.nfc(), out_.units[k]);
+      if (klass == 0) continue;
+      for (int32_t j = k; j > 0 && out_.origin[j - 1] == out_.origin[j] &&
+                          unorm2_getCombiningClass(table_.nfc(), out_.units[j - 1]) > klass;
+           --j) {
+        std::swap(out_.units[j - 1], out_.units[j]);
+      }
+    }
   }
 
   // Whether the root collator reads `c` as nothing at primary strength.
@@ -431,7 +448,9 @@ class folder {
       if (c == middle_dot && is_l(previous)) {
         if (accents_) put(dot_accent, start);
       } else if (!(after_punctuation && primary_ignorable(c))) {
+        const int32_t from = out_.size;
         put_fold(c, table_.value(c), start);
+        if (accents_) order_accents(from);
       }
       if (shifted_accents && !primary_ignorable(c)) {
         after_punctuation = variable(c) || table_.variable_end(c);

@@ -1,0 +1,204 @@
+// search_fold with options, checked against ICU's root collator set up the
+// same way: the fold of every code point is equal to it, folding twice
+// changes nothing, and two texts fold alike exactly when the collator calls
+// them equal.
+#include <cstdio>
+#include <memory>
+#include <random>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+#include <unicode/uchar.h>
+#include <unicode/ucol.h>
+#include <unicode/unorm2.h>
+#include <unicode/utf16.h>
+
+#include <scl/regex/search_pattern.h>
+
+#include "support/hex.h"
+
+namespace {
+
+namespace re = scl::regex;
+
+using collator_ptr = std::unique_ptr<UCollator, decltype(&ucol_close)>;
+
+struct fold_case {
+  std::string name;
+  re::search_options options;
+};
+
+void PrintTo(const fold_case& c, std::ostream* out) { *out << c.name; }
+
+// The root collator set up as `options` say: secondary strength where
+// diacritics count, the case level, "shifted". Normalisation is on so that
+// the comparison is exact for any input (some folds are not in NFC).
+collator_ptr collator_for(const re::search_options& options) {
+  UErrorCode status = U_ZERO_ERROR;
+  collator_ptr collator(ucol_open("", &status), &ucol_close);
+  if (U_FAILURE(status)) return collator_ptr(nullptr, &ucol_close);
+  ucol_setStrength(collator.get(), options.diacritics == re::diacritics_rule::ignore
+                                       ? UCOL_PRIMARY
+                                       : UCOL_SECONDARY);
+  ucol_setAttribute(collator.get(), UCOL_NORMALIZATION_MODE, UCOL_ON, &status);
+  if (options.match_case) ucol_setAttribute(collator.get(), UCOL_CASE_LEVEL, UCOL_ON, &status);
+  if (options.ignore_punctuation) {
+    ucol_setAttribute(collator.get(), UCOL_ALTERNATE_HANDLING, UCOL_SHIFTED, &status);
+  }
+  if (U_FAILURE(status)) return collator_ptr(nullptr, &ucol_close);
+  return collator;
+}
+
+bool equal(const UCollator* collator, const std::u16string& a, const std::u16string& b) {
+  return ucol_strcoll(collator, a.data(), static_cast<int32_t>(a.size()), b.data(),
+                      static_cast<int32_t>(b.size())) == UCOL_EQUAL;
+}
+
+std::u16string from_code_point(UChar32 c) {
+  std::u16string text;
+  if (c <= 0xFFFF) {
+    text += static_cast<char16_t>(c);
+  } else {
+    text += U16_LEAD(c);
+    text += U16_TRAIL(c);
+  }
+  return text;
+}
+
+// Every option set that changes the fold (diacritics matched where typed
+// folds as diacritics matched; whole words change no fold).
+std::vector<fold_case> fold_cases() {
+  std::vector<fold_case> cases;
+  for (const bool match_case : {false, true}) {
+    for (const bool accents : {false, true}) {
+      for (const bool punctuation : {false, true}) {
+        re::search_options options;
+        options.match_case = match_case;
+        options.diacritics = accents ? re::diacritics_rule::match : re::diacritics_rule::ignore;
+        options.ignore_punctuation = punctuation;
+        cases.push_back({std::string(match_case ? "case" : "nocase") +
+                             (accents ? "_accents" : "") + (punctuation ? "_punctuation" : ""),
+                         options});
+      }
+    }
+  }
+  return cases;
+}
+
+class FoldWithOptions : public testing::TestWithParam<fold_case> {};
+
+TEST_P(FoldWithOptions, EveryAssignedCodePointFoldsToTextTheCollatorFindsEqual) {
+  const re::search_options& options = GetParam().options;
+  const collator_ptr collator = collator_for(options);
+  ASSERT_NE(collator, nullptr);
+  long checked = 0;
+  long failures = 0;
+  for (UChar32 c = 0; c <= 0x10FFFF; ++c) {
+    if (U_IS_SURROGATE(c) || u_charType(c) == U_UNASSIGNED) continue;
+    ++checked;
+    const std::u16string text = from_code_point(c);
+    const std::u16string folded = re::search_fold(text, options).text();
+    if (!equal(collator.get(), folded, text) && ++failures <= 10) {
+      ADD_FAILURE() << scl_regex_test::hex(text) << "folds to " << scl_regex_test::hex(folded)
+                    << ", which the collator does not find equal";
+    }
+  }
+  EXPECT_EQ(failures, 0) << "of " << checked << " assigned code points";
+  EXPECT_GT(checked, 280000);
+}
+
+TEST_P(FoldWithOptions, FoldingTheFoldOfAnyCodePointChangesNothing) {
+  const re::search_options& options = GetParam().options;
+  long failures = 0;
+  for (UChar32 c = 0; c <= 0x10FFFF; ++c) {
+    const std::u16string once = re::search_fold(from_code_point(c), options).text();
+    const std::u16string twice = re::search_fold(once, options).text();
+    if (twice != once && ++failures <= 10) {
+      ADD_FAILURE() << "U+" << std::hex << c << " folds to " << scl_regex_test::hex(once)
+                    << ", which folds to " << scl_regex_test::hex(twice);
+    }
+  }
+  EXPECT_EQ(failures, 0);
+}
+
+// Families of spellings that some options tell apart and others do not:
+// case, accents (precomposed and as marks), ligatures and expansions, width,
+// kana, digits, spaces and punctuation, the Catalan middle dot, Turkish i.
+const std::vector<std::vector<std::u16string>> kFamilies = {
+    {u"a", u"A", u"\u00e1", u"\u00c1", u"a\u0301", u"\u00e4", u"\u00e0", u"\uff21", u"\u00aa"},
+    {u"e", u"E", u"\u00e9", u"\u00c9", u"e\u0301", u"\u00e8", u"\u0117"},
+    {u"ss", u"SS", u"Ss", u"\u00df", u"\u1e9e", u"s\u00ad s"},
+    {u"ae", u"AE", u"\u00e6", u"\u00c6", u"a e", u"a-e"},
+    {u"oe", u"\u0153", u"\u0152", u"o.e"},
+    {u"l", u"L", u"\u0142", u"\u0141", u"l\u0335"},
+    {u"l\u00b7l", u"\u0140l", u"\u013fL", u"ll", u"l.l", u"l l"},
+    {u"\u0131", u"i", u"I", u"\u0130", u"\u00ed"},
+    {u"\u3042", u"\u30a2", u"\u3041", u"\uff71", u"\u304b\u3099", u"\u304c"},
+    {u"fi", u"\ufb01", u"FI", u"f i"},
+    {u"1", u"\u0661", u"\u2474", u"(1)", u"\u2488", u"1."},
+    {u"o", u"\u00f8", u"\u00d8", u"\u01fe", u"\u00f3\u0338", u"\u00f3", u"o\u0338\u0301"},
+    {u"d", u"\u00f0", u"\u0110", u"D"},
+    {u"\u00e5", u"\u212b", u"\u00c5", u"a\u030a", u"aa"},
+    {u"n", u"\u00f1", u"N", u"\u00d1"},
+    {u" ", u"-", u".", u"\u00ad", u"", u"\u0327", u"\u0301", u"\u0308"},
+};
+
+std::u16string nfc(const std::u16string& text) {
+  UErrorCode status = U_ZERO_ERROR;
+  const UNormalizer2* normalizer = unorm2_getNFCInstance(&status);
+  std::u16string out(text.size() * 3 + 8, u'\0');
+  const int32_t length =
+      unorm2_normalize(normalizer, text.data(), static_cast<int32_t>(text.size()), out.data(),
+                       static_cast<int32_t>(out.size()), &status);
+  out.resize(U_SUCCESS(status) ? static_cast<std::size_t>(length) : 0);
+  return out;
+}
+
+TEST_P(FoldWithOptions, TextsFoldAlikeExactlyWhenTheCollatorCallsThemEqual) {
+  const re::search_options& options = GetParam().options;
+  const collator_ptr collator = collator_for(options);
+  ASSERT_NE(collator, nullptr);
+  std::mt19937 random(2026);
+  auto pick = [&](std::size_t n) { return static_cast<std::size_t>(random() % n); };
+  long pairs = 0;
+  long equal_pairs = 0;
+  long failures = 0;
+  for (int i = 0; i < 6000; ++i) {
+    // Two texts of the same families, each a spelling of its own, and one
+    // with a family of its own here and there.
+    std::u16string a;
+    std::u16string b;
+    const std::size_t parts = 1 + pick(4);
+    for (std::size_t k = 0; k < parts; ++k) {
+      const auto& family = kFamilies[pick(kFamilies.size())];
+      a += family[pick(family.size())];
+      const auto& other = pick(8) == 0 ? kFamilies[pick(kFamilies.size())] : family;
+      b += other[pick(other.size())];
+    }
+    a = nfc(a);
+    b = nfc(b);
+    ++pairs;
+    const bool collator_equal = equal(collator.get(), a, b);
+    const bool folds_alike = re::search_fold(a, options).text() == re::search_fold(b, options).text();
+    equal_pairs += collator_equal ? 1 : 0;
+    if (collator_equal != folds_alike && ++failures <= 10) {
+      ADD_FAILURE() << scl_regex_test::hex(a) << "and " << scl_regex_test::hex(b)
+                    << (collator_equal ? "are equal to the collator but fold apart"
+                                       : "fold alike but the collator tells them apart");
+    }
+  }
+  std::printf("%s: %ld pairs, %ld equal, %ld failures\n", GetParam().name.c_str(), pairs,
+              equal_pairs, failures);
+  EXPECT_EQ(failures, 0);
+  // The pairs test both ways.
+  EXPECT_GT(equal_pairs, pairs / 20);
+  EXPECT_LT(equal_pairs, pairs * 19 / 20);
+}
+
+INSTANTIATE_TEST_SUITE_P(Options, FoldWithOptions, testing::ValuesIn(fold_cases()),
+                         [](const testing::TestParamInfo<fold_case>& info) {
+                           return info.param.name;
+                         });
+
+}  // namespace
