@@ -200,11 +200,9 @@ std::size_t utf8_offset(std::string_view utf8, std::size_t at) {
 template <class OffsetMap>
 std::optional<pattern_error> check_query(std::u16string_view query, query_syntax syntax,
                                          const search_options& options, OffsetMap to_caller) {
-  try {
-    detail::search_settings::validate(options);
-  } catch (const regex_exception& error) {
-    return pattern_error{error, npos,
-                         detail::describe_pattern_error(error, std::u16string(query), npos, npos)};
+  if (const auto wrong = detail::search_settings::check(options)) {
+    return pattern_error{wrong->error, npos,
+                         std::string(wrong->error.what()) + " (" + wrong->option + ")"};
   }
   if (syntax == query_syntax::literal) return std::nullopt;  // never fails
   const compiled_query compiled = compile_query(query, syntax, options);

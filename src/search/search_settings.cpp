@@ -6,16 +6,26 @@
 
 namespace scl::regex::detail {
 
-void search_settings::validate(const search_options& options) {
+std::optional<search_settings::options_error> search_settings::check(
+    const search_options& options) {
   switch (options.diacritics) {
     case diacritics_rule::ignore:
     case diacritics_rule::match:
     case diacritics_rule::match_typed:
       break;
     default:
-      throw regex_exception(U_ILLEGAL_ARGUMENT_ERROR);
+      return options_error{regex_exception(U_ILLEGAL_ARGUMENT_ERROR),
+                           "search_options::diacritics is not a diacritics_rule"};
   }
-  if (!options.locale.empty()) throw regex_exception(U_UNSUPPORTED_ERROR);
+  if (!options.locale.empty()) {
+    return options_error{regex_exception(U_UNSUPPORTED_ERROR),
+                         "search_options::locale is not supported yet"};
+  }
+  return std::nullopt;
+}
+
+void search_settings::validate(const search_options& options) {
+  if (const std::optional<options_error> wrong = check(options)) throw wrong->error;
 }
 
 fold_variant search_settings::text_fold(const search_options& options) {

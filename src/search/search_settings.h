@@ -2,6 +2,9 @@
 #ifndef SCL_REGEX_SRC_SEARCH_SEARCH_SETTINGS_H
 #define SCL_REGEX_SRC_SEARCH_SEARCH_SETTINGS_H
 
+#include <optional>
+
+#include "scl/regex/exception.h"
 #include "scl/regex/search_pattern.h"
 #include "search/fold_variant.h"
 
@@ -13,8 +16,16 @@ struct search_settings {
   fold_variant accents;       // ... in this fold
   bool whole_words = false;
 
-  // Throws regex_exception with U_ILLEGAL_ARGUMENT_ERROR for a value out of
-  // range, U_UNSUPPORTED_ERROR for a locale.
+  // What is wrong with `options`, if anything: the error to throw, and which
+  // option, for people.
+  struct options_error {
+    regex_exception error;
+    const char* option;
+  };
+  static std::optional<options_error> check(const search_options& options);
+  // Throws the error check() gives, if any: regex_exception with
+  // U_ILLEGAL_ARGUMENT_ERROR for a value out of range, U_UNSUPPORTED_ERROR
+  // for a locale.
   static void validate(const search_options& options);
 
   // The settings for a query of `syntax`. A literal query with diacritics

@@ -1,0 +1,396 @@
+// search_pattern and search_fold with search options: what each toggle finds
+// and keeps apart, how they combine, regex queries under them, errors, and
+// that every other promise of search folding still holds.
+#include <chrono>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include <gtest/gtest.h>
+#include <unicode/utypes.h>
+
+#include <scl/regex.h>
+
+namespace {
+
+namespace re = scl::regex;
+using ranges = std::vector<std::pair<std::size_t, std::size_t>>;
+
+template <class Text>
+ranges find(const re::search_pattern& pattern, const Text& text) {
+  ranges found;
+  for (const re::source_match& m : pattern.find_all(text)) found.emplace_back(m.start, m.end);
+  return found;
+}
+
+re::search_options with(bool match_case, re::diacritics_rule diacritics, bool whole_words = false,
+                        bool ignore_punctuation = false) {
+  re::search_options options;
+  options.match_case = match_case;
+  options.diacritics = diacritics;
+  options.whole_words = whole_words;
+  options.ignore_punctuation = ignore_punctuation;
+  return options;
+}
+
+const re::search_options kMatchCase = with(true, re::diacritics_rule::ignore);
+const re::search_options kMatch = with(false, re::diacritics_rule::match);
+const re::search_options kTyped = with(false, re::diacritics_rule::match_typed);
+const re::search_options kWords = with(false, re::diacritics_rule::ignore, true);
+const re::search_options kPunctuation = with(false, re::diacritics_rule::ignore, false, true);
+
+bool finds(std::u16string_view query, std::u16string_view text, const re::search_options& options,
+           re::query_syntax syntax = re::query_syntax::literal) {
+  return re::search_pattern(query, syntax, options).found_in(text);
+}
+
+ranges find(std::u16string_view query, std::u16string_view text,
+            const re::search_options& options,
+            re::query_syntax syntax = re::query_syntax::literal) {
+  return find(re::search_pattern(query, syntax, options), text);
+}
+
+// ---------------------------------------------------------------------------
+// The API
+
+TEST(SearchOptions, DefaultsAreTheDefaultSearch) {
+  const re::search_options options;
+  EXPECT_FALSE(options.match_case);
+  EXPECT_EQ(options.diacritics, re::diacritics_rule::ignore);
+  EXPECT_FALSE(options.whole_words);
+  EXPECT_FALSE(options.ignore_punctuation);
+  EXPECT_TRUE(options.locale.empty());
+  EXPECT_EQ(options, re::search_options{});
+  EXPECT_NE(options, kMatchCase);
+}
+
+TEST(SearchOptions, ThePatternKeepsItsOptions) {
+  EXPECT_EQ(re::search_pattern().options(), re::search_options{});
+  EXPECT_EQ(re::search_pattern(u"x").options(), re::search_options{});
+  const re::search_options options = with(true, re::diacritics_rule::match_typed, true, true);
+  const re::search_pattern pattern(u"x", re::query_syntax::literal, options);
+  EXPECT_EQ(pattern.options(), options);
+  const re::search_pattern copy = pattern;
+  EXPECT_EQ(copy.options(), options);
+  EXPECT_EQ(re::search_pattern("x", re::query_syntax::regex, options).options(), options);
+}
+
+// Every existing constructor, check and search_fold means default options.
+TEST(SearchOptions, TheFormsWithoutOptionsSearchWithDefaultOnes) {
+  const std::u16string text = u"R\u00e9sum\u00e9, RESUME; e-mail \u0141\u00f3d\u017a";
+  for (const std::u16string_view query : {u"resume", u"lodz", u"email", u"e-mail"}) {
+    EXPECT_EQ(find(re::search_pattern(query), text), find(query, text, re::search_options{}));
+  }
+  EXPECT_EQ(find(re::search_pattern(u"r.sum", re::query_syntax::regex), text),
+            find(u"r.sum", text, re::search_options{}, re::query_syntax::regex));
+  EXPECT_EQ(re::search_fold(text).text(), re::search_fold(text, re::search_options{}).text());
+  EXPECT_EQ(re::search_pattern::check(u"(", re::query_syntax::regex)->description,
+            re::search_pattern::check(u"(", re::query_syntax::regex, re::search_options{})
+                ->description);
+}
+
+// An options value out of range (a cast enumerator) throws regex_exception
+// with U_ILLEGAL_ARGUMENT_ERROR, and check reports it.
+TEST(SearchOptions, AnOptionsValueOutOfRangeIsAnError) {
+  re::search_options bad;
+  bad.diacritics = static_cast<re::diacritics_rule>(3);
+  for (const re::query_syntax syntax : {re::query_syntax::literal, re::query_syntax::regex}) {
+    try {
+      const re::search_pattern pattern(u"x", syntax, bad);
+      FAIL() << "accepted";
+    } catch (const re::regex_exception& e) {
+      EXPECT_EQ(e.getErrorCodeMnemonic(), "U_ILLEGAL_ARGUMENT_ERROR");
+    }
+    EXPECT_THROW(re::search_pattern("x", syntax, bad), re::regex_exception);
+    for (const std::optional<re::pattern_error>& error :
+         {re::search_pattern::check(u"x", syntax, bad), re::search_pattern::check("x", syntax, bad)}) {
+      ASSERT_TRUE(error.has_value());
+      EXPECT_EQ(error->error.getErrorCodeMnemonic(), "U_ILLEGAL_ARGUMENT_ERROR");
+      EXPECT_EQ(error->offset, re::npos);
+      EXPECT_NE(error->description.find("diacritics"), std::string::npos);
+    }
+  }
+  // Even a query that is wrong itself: the options are read first.
+  EXPECT_EQ(re::search_pattern::check(u"(", re::query_syntax::regex, bad)
+                ->error.getErrorCodeMnemonic(),
+            "U_ILLEGAL_ARGUMENT_ERROR");
+  try {
+    static_cast<void>(re::search_fold(u"x", bad));
+    FAIL() << "search_fold accepted it";
+  } catch (const re::regex_exception& e) {
+    EXPECT_EQ(e.getErrorCodeMnemonic(), "U_ILLEGAL_ARGUMENT_ERROR");
+  }
+}
+
+TEST(SearchOptions, ALocaleIsNotSupportedYet) {
+  re::search_options options;
+  options.locale = "sv";
+  try {
+    const re::search_pattern pattern(u"x", re::query_syntax::literal, options);
+    FAIL() << "accepted";
+  } catch (const re::regex_exception& e) {
+    EXPECT_EQ(e.getErrorCodeMnemonic(), "U_UNSUPPORTED_ERROR");
+  }
+  const std::optional<re::pattern_error> error =
+      re::search_pattern::check(u"x", re::query_syntax::literal, options);
+  ASSERT_TRUE(error.has_value());
+  EXPECT_EQ(error->error.getErrorCodeMnemonic(), "U_UNSUPPORTED_ERROR");
+  EXPECT_NE(error->description.find("locale"), std::string::npos);
+}
+
+TEST(SearchOptions, CheckAcceptsGoodOptionsAsTheConstructorDoes) {
+  const re::search_options options = with(true, re::diacritics_rule::match, true, true);
+  EXPECT_FALSE(re::search_pattern::check(u"x", re::query_syntax::literal, options));
+  EXPECT_FALSE(re::search_pattern::check(u"[a-z]+", re::query_syntax::regex, options));
+  const std::optional<re::pattern_error> error =
+      re::search_pattern::check("stra\xc3\x9f" "e(", re::query_syntax::regex, options);
+  ASSERT_TRUE(error.has_value());
+  EXPECT_EQ(error->offset, 8U);  // bytes, as without options
+}
+
+// ---------------------------------------------------------------------------
+// What each toggle finds and does not find (the rows of the table)
+
+TEST(Default, FindsEverySpelling) {
+  for (const std::u16string_view text :
+       {u"R\u00e9sum\u00e9", u"RESUME", u"\uff32\uff25\uff33\uff35\uff2d\uff25"}) {
+    EXPECT_TRUE(finds(u"resume", text, re::search_options{}));
+  }
+}
+
+TEST(DiacriticsMatch, AccentsCount) {
+  EXPECT_TRUE(finds(u"resume", u"RESUME", kMatch));
+  EXPECT_TRUE(finds(u"resume", u"\uff32\uff25\uff33\uff35\uff2d\uff25", kMatch));
+  EXPECT_TRUE(finds(u"\u0142\u00f3d\u017a", u"\u0141\u00d3D\u0179", kMatch));
+  EXPECT_FALSE(finds(u"resume", u"r\u00e9sum\u00e9", kMatch));
+  EXPECT_FALSE(finds(u"lodz", u"\u0141\u00f3d\u017a", kMatch));
+  // "e" does not find "é", nor "é" "e".
+  EXPECT_FALSE(finds(u"e", u"\u00e9", kMatch));
+  EXPECT_FALSE(finds(u"\u00e9", u"e", kMatch));
+  EXPECT_EQ(find(u"\u00e9", u"e\u0301 \u00e9", kMatch), (ranges{{0, 2}, {3, 4}}));
+}
+
+TEST(DiacriticsMatchTyped, AccentsCountWhereTyped) {
+  for (const std::u16string_view text :
+       {u"resume", u"R\u00e9sum\u00e9", u"RESUME", u"r\u00e8sum\u00eb"}) {
+    EXPECT_TRUE(finds(u"resume", text, kTyped));
+  }
+  EXPECT_TRUE(finds(u"caf\u00e9", u"CAF\u00c9", kTyped));
+  EXPECT_FALSE(finds(u"caf\u00e9", u"cafe", kTyped));
+  EXPECT_FALSE(finds(u"caf\u00e9", u"caf\u00e8", kTyped));
+  // "e" finds "é"; "é" finds "é" only.
+  EXPECT_EQ(find(u"e", u"\u00e9", kTyped), (ranges{{0, 1}}));
+  EXPECT_TRUE(finds(u"\u00e9", u"\u00e9", kTyped));
+  EXPECT_FALSE(finds(u"\u00e9", u"e", kTyped));
+  // ICU's asymmetric search: "ss" finds "ß", "ß" does not find "ss".
+  EXPECT_TRUE(finds(u"strasse", u"Stra\u00dfe", kTyped));
+  EXPECT_FALSE(finds(u"stra\u00dfe", u"strasse", kTyped));
+}
+
+TEST(MatchCase, CaseCountsAtTheStrengthOfTheDiacriticsRule) {
+  EXPECT_TRUE(finds(u"Resume", u"R\u00e9sum\u00e9", kMatchCase));
+  EXPECT_TRUE(finds(u"Resume", u"Resume", kMatchCase));
+  EXPECT_TRUE(finds(u"RESUME", u"\uff32\uff25\uff33\uff35\uff2d\uff25", kMatchCase));
+  EXPECT_FALSE(finds(u"Resume", u"resume", kMatchCase));
+  EXPECT_FALSE(finds(u"Resume", u"RESUME", kMatchCase));
+  EXPECT_FALSE(finds(u"stra\u00dfe", u"Stra\u00dfe", kMatchCase));
+  // With diacritics matched, at secondary strength; where typed, at primary.
+  const re::search_options case_accents = with(true, re::diacritics_rule::match);
+  EXPECT_FALSE(finds(u"Resume", u"R\u00e9sum\u00e9", case_accents));
+  EXPECT_TRUE(finds(u"R\u00e9sum\u00e9", u"R\u00e9sum\u00e9", case_accents));
+  const re::search_options case_typed = with(true, re::diacritics_rule::match_typed);
+  EXPECT_TRUE(finds(u"Resume", u"R\u00e9sum\u00e9", case_typed));
+  EXPECT_FALSE(finds(u"resume", u"R\u00e9sum\u00e9", case_typed));
+}
+
+TEST(WholeWords, MatchesStartAndEndOnWordBoundaries) {
+  EXPECT_EQ(find(u"cat", u"a cat.", kWords), (ranges{{2, 5}}));
+  for (const std::u16string_view text : {u"concat", u"cats", u"Cat's"}) {
+    EXPECT_FALSE(finds(u"cat", text, kWords)) << "in one word";
+  }
+  // Thai is written without spaces: ICU's dictionary finds the words.
+  EXPECT_EQ(find(u"\u0e41\u0e21\u0e27", u"\u0e41\u0e21\u0e27\u0e14\u0e33", kWords),
+            (ranges{{0, 3}}));
+  EXPECT_FALSE(finds(u"\u0e41\u0e21", u"\u0e41\u0e21\u0e27\u0e14\u0e33", kWords));
+  // Chinese and Japanese too.
+  EXPECT_TRUE(finds(u"\u4e2d\u6587", u"\u6211\u8bf4\u4e2d\u6587", kWords));
+  // A match that would end before a soft hyphen takes it in, up to the boundary.
+  EXPECT_EQ(find(u"cat", u"a cat\u00ad dog", kWords), (ranges{{2, 6}}));
+  EXPECT_FALSE(finds(u"cat", u"a cat\u00ads", kWords));
+}
+
+TEST(IgnorePunctuation, SpacesAndPunctuationFoldToNothing) {
+  for (const std::u16string_view text : {u"e-mail", u"E mail", u"e.mail"}) {
+    EXPECT_TRUE(finds(u"email", text, kPunctuation));
+  }
+  EXPECT_EQ(find(u"newyork", u"New York", kPunctuation), (ranges{{0, 8}}));
+  EXPECT_TRUE(finds(u"e-mail", u"email", kPunctuation));
+  // A match neither starts nor ends with punctuation.
+  EXPECT_EQ(find(u"mail", u" (mail) ", kPunctuation), (ranges{{2, 6}}));
+  EXPECT_EQ(find(u"-mail-", u"e-mail.", kPunctuation), (ranges{{2, 6}}));
+  // Punctuation alone finds nothing.
+  EXPECT_FALSE(finds(u"-", u"a-b", kPunctuation));
+  EXPECT_FALSE(finds(u"...", u"...", kPunctuation));
+  // Without the toggle, punctuation counts.
+  EXPECT_FALSE(finds(u"email", u"e-mail", re::search_options{}));
+}
+
+// ---------------------------------------------------------------------------
+// Options combine freely
+
+TEST(Combined, EveryToggleAtOnce) {
+  const re::search_options all = with(true, re::diacritics_rule::match_typed, true, true);
+  EXPECT_EQ(find(u"NewYork", u"in New-York.", all), (ranges{{3, 11}}));
+  EXPECT_FALSE(finds(u"newyork", u"in New-York.", all));    // case
+  EXPECT_FALSE(finds(u"NewYork", u"in New-Yorker.", all));  // whole words
+  EXPECT_TRUE(finds(u"Cafe", u"Caf\u00e9!", all));           // typed: any accent
+  EXPECT_FALSE(finds(u"Caf\u00e9", u"Cafe!", all));
+  const re::search_options accents_punctuation = with(false, re::diacritics_rule::match, false, true);
+  EXPECT_TRUE(finds(u"ecole", u"\u00e9-cole e-cole", accents_punctuation));
+  EXPECT_EQ(find(u"ecole", u"\u00e9-cole e-cole", accents_punctuation), (ranges{{7, 13}}));
+}
+
+// ---------------------------------------------------------------------------
+// search_fold with options
+
+TEST(SearchFoldWithOptions, WholeTextsFoldAlikeExactlyWhenTheCollatorCallsThemEqual) {
+  auto alike = [](std::u16string_view a, std::u16string_view b, const re::search_options& o) {
+    return re::search_fold(a, o).text() == re::search_fold(b, o).text();
+  };
+  EXPECT_TRUE(alike(u"Stra\u00dfe", u"STRASSE", re::search_options{}));
+  EXPECT_FALSE(alike(u"stra\u00dfe", u"Stra\u00dfe", kMatchCase));
+  EXPECT_TRUE(alike(u"RESUME", u"\uff32\uff25\uff33\uff35\uff2d\uff25", kMatchCase));
+  EXPECT_FALSE(alike(u"resume", u"r\u00e9sum\u00e9", kMatch));
+  EXPECT_TRUE(alike(u"r\u00e9sum\u00e9", u"RE\u0301SUME\u0301", kMatch));
+  EXPECT_TRUE(alike(u"e-mail", u"E mail", kPunctuation));
+  // Diacritics matched where typed fold as diacritics matched; whole words
+  // change no fold.
+  EXPECT_EQ(re::search_fold(u"Caf\u00e9", kTyped).text(), re::search_fold(u"Caf\u00e9", kMatch).text());
+  EXPECT_EQ(re::search_fold(u"a cat", kWords).text(), re::search_fold(u"a cat").text());
+}
+
+TEST(SearchFoldWithOptions, AccentsFoldApartFromTheirLetters) {
+  const re::prepared_text folded = re::search_fold(u"Caf\u00e9", kMatch);
+  EXPECT_EQ(folded.text(), u"cafe\u0301");
+  EXPECT_EQ(folded.source_range(3, 5), (std::pair<std::size_t, std::size_t>{3, 4}));
+  // Case keeps capitals.
+  EXPECT_EQ(re::search_fold(u"Caf\u00e9", with(true, re::diacritics_rule::match)).text(),
+            u"Cafe\u0301");
+  EXPECT_EQ(re::search_fold(u"Caf\u00e9", kMatchCase).text(), u"Cafe");
+  // Punctuation folds to nothing, an empty piece of its own.
+  const re::prepared_text punctuation = re::search_fold(u"e-mail", kPunctuation);
+  EXPECT_EQ(punctuation.text(), u"email");
+  EXPECT_EQ(punctuation.source_range(0, 2), (std::pair<std::size_t, std::size_t>{0, 3}));
+}
+
+// ---------------------------------------------------------------------------
+// Everything of search folding still holds
+
+TEST(StillHolds, PositionsAreInTheCallersUnitsOrBytes) {
+  const re::search_pattern pattern(u"cafe", re::query_syntax::literal, kMatchCase);
+  EXPECT_EQ(find(pattern, std::u16string(u"Cafe caf\u00e9")), (ranges{{5, 9}}));
+  EXPECT_EQ(find(pattern, std::string("Cafe caf\xc3\xa9")), (ranges{{5, 10}}));
+  const re::search_pattern typed(u"cafe", re::query_syntax::literal, kTyped);
+  EXPECT_EQ(find(typed, std::string("CAF\xc3\x89 cafe\xcc\x81")), (ranges{{0, 5}, {6, 12}}));
+}
+
+TEST(StillHolds, FoundInFindFirstAndReplaceAllAgreeWithFindAll) {
+  const std::u16string text = u"e-mail, E mail, email!";
+  const re::search_pattern pattern(u"email", re::query_syntax::literal, kPunctuation);
+  EXPECT_TRUE(pattern.found_in(text));
+  ASSERT_TRUE(pattern.find_first(text).has_value());
+  EXPECT_EQ(pattern.find_first(text)->start, 0U);
+  EXPECT_EQ(pattern.replace_all(text, u"mail"), u"mail, mail, mail!");
+  EXPECT_EQ(pattern.replace_all(std::string("e-mail!"), std::string("x")), "x!");
+  EXPECT_FALSE(pattern.found_in(std::u16string_view(u"e-mai")));
+}
+
+TEST(StillHolds, TheTimeLimitStopsSearchesWithOptions) {
+  for (const re::search_options& options : {kMatchCase, kMatch, kTyped, kWords, kPunctuation}) {
+    const re::search_pattern pattern(u"creme", re::query_syntax::literal, options);
+    const std::u16string text(1 << 16, u'c');
+    re::match_time_limit limit(std::chrono::milliseconds(0));
+    try {
+      static_cast<void>(pattern.find_all(text));
+      FAIL() << "the search ran past its deadline";
+    } catch (const re::regex_exception& e) {
+      EXPECT_EQ(e.getErrorCodeMnemonic(), "U_REGEX_TIME_OUT");
+    }
+  }
+}
+
+TEST(StillHolds, WholePiecesGraphemesAndPrevowels) {
+  // Whole pieces: "s" is not in "ß", with any options.
+  for (const re::search_options& options : {kMatchCase, kMatch, kTyped, kPunctuation}) {
+    EXPECT_FALSE(finds(u"s", u"\u00df", options));
+    EXPECT_FALSE(finds(u"\U0001F4BB", u"\U0001F469\u200D\U0001F4BB", options));
+    EXPECT_FALSE(finds(u"\u0E01", u"\u0E40\u0E01", options));  // no edge inside a prevowel pair
+  }
+  // NFC text: decomposed and precomposed are one.
+  EXPECT_EQ(find(u"\u00e9", u"e\u0301", kMatch), (ranges{{0, 2}}));
+  EXPECT_EQ(find(u"e\u0301", u"\u00e9", kMatch), (ranges{{0, 1}}));
+}
+
+// ---------------------------------------------------------------------------
+// Regex queries under options
+
+TEST(RegexWithOptions, AClassMatchesTheFoldOfOneOfItsMembersUnderTheOptions) {
+  const re::query_syntax regex = re::query_syntax::regex;
+  // Under match_case, [A-Z] matches only capital folds.
+  EXPECT_TRUE(finds(u"[A-Z]", u"\u0141", kMatchCase, regex));
+  EXPECT_FALSE(finds(u"[A-Z]", u"\u0142", kMatchCase, regex));
+  EXPECT_TRUE(finds(u"[A-Z]", u"\u0142", re::search_options{}, regex));
+  // Under diacritics = match, caf[eé] finds "café" and "CAFÉ" but not "cafè".
+  EXPECT_TRUE(finds(u"caf[e\u00e9]", u"caf\u00e9", kMatch, regex));
+  EXPECT_TRUE(finds(u"caf[e\u00e9]", u"CAF\u00c9", kMatch, regex));
+  EXPECT_FALSE(finds(u"caf[e\u00e9]", u"caf\u00e8", kMatch, regex));
+  EXPECT_EQ(find(u"caf[e\u00e9]", u"caf\u00e9", kMatch, regex), (ranges{{0, 4}}));
+  // A negated class matches any other letter with its accents; "." one.
+  EXPECT_EQ(find(u"caf[^e]", u"caf\u00e9 cafe", kMatch, regex), (ranges{{0, 4}}));
+  EXPECT_EQ(find(u"caf.", u"caf\u00e9", kMatch, regex), (ranges{{0, 4}}));
+  EXPECT_EQ(find(u"\\w+", u"cr\u00e8me br\u00fbl\u00e9e", kMatch, regex), (ranges{{0, 5}, {6, 12}}));
+  // Where typed, a letter of the class matches it with any accent.
+  EXPECT_TRUE(finds(u"caf[e]", u"caf\u00e9", kTyped, regex));
+  EXPECT_FALSE(finds(u"caf[\u00e9]", u"cafe", kTyped, regex));
+}
+
+TEST(RegexWithOptions, LiteralsFoldAsText) {
+  const re::query_syntax regex = re::query_syntax::regex;
+  EXPECT_TRUE(finds(u"(r)esume", u"R\u00c9SUM\u00c9", kTyped, regex));
+  EXPECT_FALSE(finds(u"(r)\u00e9sum\u00e9", u"resume", kTyped, regex));
+  EXPECT_TRUE(finds(u"Stra(ss|x)e", u"Stra\u00dfe", kMatchCase, regex));
+  EXPECT_FALSE(finds(u"stra(ss|x)e", u"Stra\u00dfe", kMatchCase, regex));
+  EXPECT_TRUE(finds(u"\u00e9+", u"\u00e9\u00c9", kMatch, regex));
+}
+
+TEST(RegexWithOptions, PunctuationInLiteralsFoldsToNothingAndClassesKeepNoSuchMember) {
+  const re::query_syntax regex = re::query_syntax::regex;
+  EXPECT_EQ(find(u"new ?york", u"New York", kPunctuation, regex), (ranges{{0, 8}}));
+  EXPECT_TRUE(finds(u"e-mail", u"email", kPunctuation, regex));
+  EXPECT_FALSE(finds(u"\\s", u"a b\tc", kPunctuation, regex));
+  EXPECT_FALSE(finds(u"[ .,-]", u"a, b.", kPunctuation, regex));
+  EXPECT_TRUE(finds(u"\\s", u"a b", re::search_options{}, regex));
+}
+
+TEST(RegexWithOptions, WholeWordsApplyToEachMatchsEdges) {
+  const re::query_syntax regex = re::query_syntax::regex;
+  EXPECT_EQ(find(u"cat\\w*", u"cats concat cat", kWords, regex), (ranges{{0, 4}, {12, 15}}));
+  // A match that ICU finds but the rules reject is skipped: the search goes on.
+  EXPECT_EQ(find(u"c.t", u"concat cut", kWords, regex), (ranges{{7, 10}}));
+}
+
+TEST(RegexWithOptions, GroupsNumberingAndNamesStayTheCallers) {
+  const re::search_pattern pattern(u"(?<first>\\w+)-(\\w+)", re::query_syntax::regex,
+                                   with(true, re::diacritics_rule::match, false, false));
+  EXPECT_EQ(pattern.group_count(), 2);
+  EXPECT_EQ(pattern.group_number("first"), 1);
+  const std::vector<re::source_match> matches = pattern.find_all(u"Caf\u00e9-Cr\u00e8me");
+  ASSERT_EQ(matches.size(), 1U);
+  EXPECT_EQ(matches[0].groups[1], (std::pair<std::size_t, std::size_t>{0, 4}));
+  EXPECT_EQ(matches[0].groups[2], (std::pair<std::size_t, std::size_t>{5, 10}));
+  EXPECT_EQ(pattern.replace_all(u"Caf\u00e9-Cr\u00e8me", u"$2 ${first}"), u"Cr\u00e8me Caf\u00e9");
+}
+
+}  // namespace
