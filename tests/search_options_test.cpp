@@ -393,4 +393,35 @@ TEST(RegexWithOptions, GroupsNumberingAndNamesStayTheCallers) {
   EXPECT_EQ(pattern.replace_all(u"Caf\u00e9-Cr\u00e8me", u"$2 ${first}"), u"Cr\u00e8me Caf\u00e9");
 }
 
+// The worked example at the top of the header.
+TEST(HeaderExample, TheTogglesGiveWhatItSays) {
+  re::search_options options;
+  options.match_case = true;
+  options.diacritics = re::diacritics_rule::match_typed;
+  options.whole_words = true;
+  options.ignore_punctuation = true;
+  const re::search_pattern ny(u"NewYork", re::query_syntax::literal, options);
+  EXPECT_EQ(find(ny, std::u16string_view(u"New York, New-York, newyork, NewYorker")),
+            (ranges{{0, 8}, {10, 18}}));
+  EXPECT_TRUE(re::search_pattern(u"Cafe", re::query_syntax::literal, options).found_in(u"Caf\u00e9"));
+  EXPECT_FALSE(re::search_pattern(u"Caf\u00e9", re::query_syntax::literal, options).found_in(u"Cafe"));
+  // And the fold the header describes.
+  EXPECT_EQ(re::search_fold(u"\u00c9", kMatchCase).text(), u"E");
+  EXPECT_EQ(re::search_fold(u"\u0142", kMatch).text(), u"l\u0335");
+  EXPECT_EQ(re::search_fold(u"\u01fe", kMatch).text(), u"o\u0338\u0301");
+  EXPECT_EQ(re::search_fold(u"\u00f3\u0338", kMatch).text(), u"o\u0338\u0301");
+  EXPECT_EQ(re::search_fold(u"\u1e9e", kMatch).text(), u"\u00df");
+  EXPECT_EQ(re::search_fold(u"l\u00b7l", kMatch).text(), u"l\u0387l");
+  EXPECT_EQ(re::search_fold(u"\u0140", kMatch).text(), u"l\u0387");
+  EXPECT_EQ(re::search_fold(u"l\u00b7l").text(), u"ll");
+  EXPECT_EQ(find(u"cat", u"cat\u00ad ", kWords), (ranges{{0, 4}}));
+  EXPECT_FALSE(finds(u"\u3042", u"\u3041", kMatchCase));
+  EXPECT_FALSE(finds(u"ss", u"\u00df", kMatch));
+  // An accent after punctuation is ignored with it; accents alone find nothing.
+  const re::search_options accents_punctuation = with(false, re::diacritics_rule::match, false, true);
+  EXPECT_TRUE(finds(u"ea", u"e-\u0301a", accents_punctuation));
+  EXPECT_FALSE(finds(u"\u0301", u"e\u0301 \u0301", accents_punctuation));
+  EXPECT_TRUE(finds(u"\u0301", u"\n\u0301", kMatch));
+}
+
 }  // namespace

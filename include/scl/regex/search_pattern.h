@@ -13,6 +13,17 @@
 //   const re::search_pattern street(u"(\\w+)stra\u00dfe", re::query_syntax::regex);
 //   street.find_all(u"Hauptstrasse");                           // {0, 12}, group 1 {0, 5}
 //   street.replace_all(u"K\u00f6nigstra\u00dfe", u"$1 St.");      // u"K\u00f6nig St."
+//
+//   // The toggles of a search box.
+//   re::search_options options;
+//   options.match_case = true;
+//   options.diacritics = re::diacritics_rule::match_typed;
+//   options.whole_words = true;
+//   options.ignore_punctuation = true;
+//   const re::search_pattern ny(u"NewYork", re::query_syntax::literal, options);
+//   ny.find_all(u"New York, New-York, newyork, NewYorker");   // {0, 8}, {10, 18}
+//   re::search_pattern(u"Cafe", re::query_syntax::literal, options).found_in(u"Caf\u00e9");  // true
+//   re::search_pattern(u"Caf\u00e9", re::query_syntax::literal, options).found_in(u"Cafe");  // false
 // clang-format on
 //
 // Search folding treats as equal what ICU's root collator treats as equal at
@@ -124,6 +135,79 @@
 // from, widened to whole pieces; {npos, npos} for a group that took no part.
 // A lone surrogate is one character to a regex, also where the characters
 // between it and another one fold to nothing ("." matches each alone).
+//
+// Search options (search_options): the toggles of a search box. Each is
+// defined by ICU's collation, so that ICU's usearch set up the same way is
+// what search_pattern agrees with:
+//   - match_case: the case level (UCOL_CASE_LEVEL) on, at the strength the
+//     diacritics rule gives (primary for match_typed). Case is what the
+//     collator's case bits say: "Resume" finds "R\u00e9sum\u00e9" and "Resume",
+//     not "resume" or "RESUME"; "RESUME" finds "\uff32\uff25\uff33\uff35\uff2d\uff25";
+//     "stra\u00dfe" does not find "Stra\u00dfe"; small kana are lowercase to it,
+//     so "\u3042" does not find "\u3041". usearch has no case level: a match is
+//     what usearch finds at the same strength that a collator with the case
+//     level calls equal to the query.
+//   - diacritics = match: secondary strength. "resume" finds "RESUME" but not
+//     "r\u00e9sum\u00e9"; "\u0142\u00f3d\u017a" finds "\u0141\u00d3D\u0179" but "lodz"
+//     does not find "\u0141\u00f3d\u017a"; "ss" does not find "\u00df".
+//   - diacritics = match_typed: secondary strength with
+//     USEARCH_PATTERN_BASE_WEIGHT_IS_WILDCARD (ICU's asymmetric search). A
+//     letter typed without an accent finds it with any accent; an accent that
+//     is typed must be there: "resume" finds every spelling, "caf\u00e9" finds
+//     "CAF\u00c9" but not "cafe" or "caf\u00e8", "strasse" finds "Stra\u00dfe".
+//   - whole_words: a match starts and ends on a boundary of ICU's word break
+//     iterator (the root's), as usearch with that iterator finds: "cat" is
+//     found in "a cat." but not in "concat", "cats" or "Cat's"; words of
+//     Thai, Chinese and Japanese are found with ICU's dictionaries
+//     ("\u0e41\u0e21\u0e27" in "\u0e41\u0e21\u0e27\u0e14\u0e33"). Where a match's last
+//     piece ends on no boundary, the match takes in what folds to nothing up
+//     to the next one ("cat" in "cat" U+00AD " " is [0, 4)), or is none.
+//   - ignore_punctuation: alternate handling "shifted" with ICU's default
+//     variable characters, spaces and punctuation. Each folds to nothing, an
+//     empty piece of its own like the soft hyphen, so a match neither starts
+//     nor ends with one: "email" finds "e-mail", "E mail" and "e.mail",
+//     "newyork" finds "New York". An accent after punctuation is ignored with
+//     it. A query of punctuation alone finds nothing, and so, with diacritics
+//     matched, does a query of accents alone (as in usearch).
+// Options combine freely. search_fold(text, options) folds as the search
+// does: two whole texts fold alike exactly when the collator set up by the
+// options calls them equal (diacritics = match_typed folds as match does).
+//
+// The fold under options. Each code point folds to the representatives of
+// its collation elements at the options' levels, as above: with the case
+// level, capitals fold to capitals ("\u00c9" to "E"); with diacritics matched,
+// a letter and its accents fold apart, in canonical order ("\u00e9" to "e"
+// U+0301, "\u0142" to "l" U+0335, "\u01fe" to "o" U+0338 U+0301), an accent
+// joins the piece of the letter before it as a mark does, and "\u00df" stays
+// "\u00df" (its first s has a secondary weight of its own, which no character
+// has alone). The dot of the root collator's "l\u00b7" is such a weight too: it
+// folds to U+0387 (which NFC never lets through), a piece of its own, and
+// "\u0140" to "l" U+0387.
+//
+// Regex queries under options fold by their syntax as above: literals fold
+// as text, and a class matches a folded character that is the fold of one of
+// its members under the options. Under match_case "[A-Z]" matches the fold of
+// "\u0141" but not that of "\u0142". With diacritics matched, a folded
+// character is a letter with its accents: "caf[e\u00e9]" finds "caf\u00e9" and
+// "CAF\u00c9" but not "caf\u00e8", "[^e]" matches "\u00e9", and "." matches a
+// letter with its accents. Where diacritics are matched where typed, a letter
+// of a literal or a class matches the letter with any accents, an accent of
+// a literal matches that accent. Under ignore_punctuation, punctuation in
+// literals folds to nothing and a class keeps no member that folds to
+// nothing: "new ?york" finds "New York", and "\\s" matches nothing. whole_words
+// applies to the edges of each match; a match that ICU finds but the rules
+// reject is skipped, as always.
+//
+// Where search_pattern with options differs from usearch set up the same way
+// (besides the differences above, which stay):
+//   - With ignore_punctuation, usearch in ICU 72 compares the second half of a
+//     long primary weight (a collation element in two 32-bit orders) with the
+//     variable top as if it were an element of its own; where that half is
+//     below it, usearch ignores it as punctuation. So usearch finds U+4E00 in
+//     U+4E01, and ignores an accent after such a character, where the
+//     collator calls them apart; search folding follows the collator (and
+//     search_fold must). Some ten thousand characters have such weights: Han
+//     ideographs, and letters of many other scripts.
 //
 // Thread safety: a search_pattern is immutable after construction; any number
 // of threads may search with one object, or with copies of it, at once.
