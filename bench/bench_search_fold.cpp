@@ -16,6 +16,7 @@
 
 #include <benchmark/benchmark.h>
 #include <unicode/normalizer2.h>
+#include <unicode/ubrk.h>
 #include <unicode/regex.h>
 #include <unicode/ucol.h>
 #include <unicode/usearch.h>
@@ -187,21 +188,37 @@ const std::vector<std::u16string>& city_names() {
   return names;
 }
 
-// The root collator at primary strength and one string search for `query`,
-// opened over `text` (which must outlive it) and reused for every search.
+// The root collator and one string search for `query`, opened over `text`
+// (which must outlive it) and reused for every search: at primary strength,
+// or set up as `options` say (secondary strength where diacritics count,
+// asymmetric where typed, "shifted", the root's word break iterator; usearch
+// has no case level).
 class usearch_finder {
  public:
-  usearch_finder(const std::u16string& query, const std::u16string& text) {
+  usearch_finder(const std::u16string& query, const std::u16string& text,
+                 const re::search_options& options = {}) {
     collator_ = ucol_open("", &status_);
-    ucol_setStrength(collator_, UCOL_PRIMARY);
+    ucol_setStrength(collator_, options.diacritics == re::diacritics_rule::ignore ? UCOL_PRIMARY
+                                                                                : UCOL_SECONDARY);
+    if (options.ignore_punctuation) {
+      ucol_setAttribute(collator_, UCOL_ALTERNATE_HANDLING, UCOL_SHIFTED, &status_);
+    }
+    if (options.whole_words) {
+      words_ = ubrk_open(UBRK_WORD, "", text.data(), static_cast<int32_t>(text.size()), &status_);
+    }
     search_ =
         usearch_openFromCollator(query.data(), static_cast<int32_t>(query.size()), text.data(),
-                                 static_cast<int32_t>(text.size()), collator_, nullptr, &status_);
+                                 static_cast<int32_t>(text.size()), collator_, words_, &status_);
+    if (options.diacritics == re::diacritics_rule::match_typed) {
+      usearch_setAttribute(search_, USEARCH_ELEMENT_COMPARISON,
+                           USEARCH_PATTERN_BASE_WEIGHT_IS_WILDCARD, &status_);
+    }
   }
   usearch_finder(const usearch_finder&) = delete;
   usearch_finder& operator=(const usearch_finder&) = delete;
   ~usearch_finder() {
     usearch_close(search_);
+    if (words_ != nullptr) ubrk_close(words_);
     ucol_close(collator_);
   }
 
@@ -225,6 +242,7 @@ class usearch_finder {
  private:
   UErrorCode status_ = U_ZERO_ERROR;
   UCollator* collator_ = nullptr;
+  UBreakIterator* words_ = nullptr;
   UStringSearch* search_ = nullptr;
 };
 
@@ -279,6 +297,65 @@ void icu_french_find_all(benchmark::State& state) {
 void lib_scripts_find_all(benchmark::State& state) { lib_find_all(state, scripts_text(kUnits)); }
 void icu_scripts_find_all(benchmark::State& state) {
   icu_find_all(state, scripts_text(kUnits), "scripts");
+}
+
+// The toggles of a search box, each alone: literal find_all of "creme" over
+// the 1 MiB of French, against usearch set up the same way (for match_case,
+// usearch at primary strength, which has no case level). The options find
+// what usearch finds (for match_case, no more than it).
+struct option_case {
+  const char* name;
+  re::search_options options;
+};
+
+const std::vector<option_case>& option_cases() {
+  static const std::vector<option_case> cases = [] {
+    std::vector<option_case> out;
+    re::search_options options;
+    options.match_case = true;
+    out.push_back({"match_case", options});
+    options = {};
+    options.diacritics = re::diacritics_rule::match;
+    out.push_back({"diacritics_match", options});
+    options.diacritics = re::diacritics_rule::match_typed;
+    out.push_back({"diacritics_match_typed", options});
+    options = {};
+    options.whole_words = true;
+    out.push_back({"whole_words", options});
+    options = {};
+    options.ignore_punctuation = true;
+    out.push_back({"ignore_punctuation", options});
+    return out;
+  }();
+  return cases;
+}
+
+void lib_options_find_all(benchmark::State& state, const re::search_options& options) {
+  const re::search_pattern pattern(kCreme, re::query_syntax::literal, options);
+  time_find_all(state, pattern, french_text(kUnits));
+}
+
+void icu_options_find_all(benchmark::State& state, const re::search_options& options,
+                          const std::string& name) {
+  const std::u16string& text = french_text(kUnits);
+  usearch_finder finder(kCreme, text, options);
+  std::vector<std::pair<int32_t, int32_t>> found;
+  const bool agrees = bench::remember<bool>("fold-options-" + name, [&] {
+    finder.find_all(found);
+    const std::size_t library =
+        re::search_pattern(kCreme, re::query_syntax::literal, options).find_all(text).size();
+    return options.match_case ? library <= found.size() : library == found.size();
+  });
+  if (finder.failed() || !agrees) {
+    state.SkipWithError("the library does not find as many matches as usearch");
+    return;
+  }
+  for (auto _ : state) {
+    finder.find_all(found);
+    benchmark::DoNotOptimize(found.data());
+  }
+  count_matches(state, found.size());
+  state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(text.size() * 2));
 }
 
 // found_in over every name: how many names the query is found in.
@@ -447,6 +524,12 @@ void icu_regex_compile(benchmark::State& state, const std::u16string& query) {
                                icu_french_regex_find_all);
   benchmark::RegisterBenchmark("lib/fold_quoted_find_all/creme/french/1M",
                                lib_french_quoted_find_all);
+  for (const option_case& option : option_cases()) {
+    const std::string name = std::string("fold_options_find_all/creme/french/1M/") + option.name;
+    benchmark::RegisterBenchmark(("lib/" + name).c_str(), lib_options_find_all, option.options);
+    benchmark::RegisterBenchmark(("icu/" + name).c_str(), icu_options_find_all, option.options,
+                                 std::string(option.name));
+  }
   for (const char* name : {"\\p{L}", "[^\\s]"}) {
     const std::u16string query = ascii(name);
     benchmark::RegisterBenchmark((std::string("lib/fold_regex_compile/") + name).c_str(),

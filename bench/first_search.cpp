@@ -2,15 +2,24 @@
 // first result, in time and in resident memory, against ICU's usearch doing
 // the same first search.
 //
-//   scl_regex_first_search fold      search_pattern(u"lodz"), then find_all on a short text
-//   scl_regex_first_search usearch   ucol_open(""), primary strength,
-//                                    usearch_openFromCollator, usearch_first
+//   scl_regex_first_search fold             search_pattern(u"lodz"), then find_all on a short text
+//   scl_regex_first_search usearch          ucol_open(""), primary strength,
+//                                           usearch_openFromCollator, usearch_first
+//   scl_regex_first_search options          the same with every toggle of search_options on
+//                                           (match_case, match_typed, whole_words,
+//                                           ignore_punctuation)
+//   scl_regex_first_search usearch-options  usearch set up as those options say (secondary
+//                                           strength, asymmetric, "shifted", a word break
+//                                           iterator; usearch has no case level)
+//   scl_regex_first_search all-options      after a default first search (not counted), one
+//                                           search with each of the 24 option sets: what all
+//                                           their tables add
 //
 // Prints one line, e.g. "fold ms=0.183 rss_kib=412 first=26,30": the time from
 // before the pattern (or the collator) is made to after the first result
 // (steady_clock), the resident memory added meanwhile (/proc/self/statm), and
 // the first match. Each run measures one mode once; bench/first_search.py runs
-// both modes in several fresh processes and prints the medians.
+// the modes in several fresh processes and prints the medians.
 #include <chrono>
 #include <cstddef>
 #include <cstdio>
@@ -21,6 +30,7 @@
 #include <utility>
 #include <vector>
 
+#include <unicode/ubrk.h>
 #include <unicode/ucol.h>
 #include <unicode/usearch.h>
 #include <unistd.h>
@@ -33,6 +43,8 @@ namespace {
 const std::u16string kText =
     u"Il a mang\u00e9 une cr\u00e8me br\u00fbl\u00e9e \u00e0 \u0141\u00f3d\u017a, pas \u00e0 Lodz.";
 const std::u16string kQuery = u"lodz";
+// With case: the query that the options' search finds first ("\u0141\u00f3d\u017a").
+const std::u16string kCapitalQuery = u"Lodz";
 
 // The process's resident memory in KiB, or -1 if /proc cannot be read.
 long resident_kib() {
@@ -47,20 +59,53 @@ long resident_kib() {
 
 using range = std::optional<std::pair<std::size_t, std::size_t>>;
 
-range first_with_fold() {
-  const scl::regex::search_pattern pattern(kQuery);
+scl::regex::search_options every_toggle() {
+  scl::regex::search_options options;
+  options.match_case = true;
+  options.diacritics = scl::regex::diacritics_rule::match_typed;
+  options.whole_words = true;
+  options.ignore_punctuation = true;
+  return options;
+}
+
+range first_with_fold(const scl::regex::search_options& options, const std::u16string& query) {
+  const scl::regex::search_pattern pattern(query, scl::regex::query_syntax::literal, options);
   const std::vector<scl::regex::source_match> found = pattern.find_all(kText);
   if (found.empty()) return std::nullopt;
   return std::make_pair(found.front().start, found.front().end);
 }
 
-range first_with_usearch() {
+// One search with each option set, after a default one.
+range first_with_every_option_set() {
+  range first;
+  for (int index = 0; index < 24; ++index) {
+    scl::regex::search_options options;
+    options.match_case = (index & 1) != 0;
+    options.whole_words = (index & 2) != 0;
+    options.ignore_punctuation = (index & 4) != 0;
+    options.diacritics = static_cast<scl::regex::diacritics_rule>(index >> 3);
+    first = first_with_fold(options, kQuery);
+  }
+  return first;
+}
+
+range first_with_usearch(bool options) {
   UErrorCode status = U_ZERO_ERROR;
   UCollator* collator = ucol_open("", &status);
-  ucol_setStrength(collator, UCOL_PRIMARY);
+  ucol_setStrength(collator, options ? UCOL_SECONDARY : UCOL_PRIMARY);
+  UBreakIterator* words = nullptr;
+  if (options) {
+    ucol_setAttribute(collator, UCOL_ALTERNATE_HANDLING, UCOL_SHIFTED, &status);
+    words = ubrk_open(UBRK_WORD, "", kText.data(), static_cast<int32_t>(kText.size()), &status);
+  }
+  const std::u16string& query = options ? kCapitalQuery : kQuery;
   UStringSearch* search =
-      usearch_openFromCollator(kQuery.data(), static_cast<int32_t>(kQuery.size()), kText.data(),
-                               static_cast<int32_t>(kText.size()), collator, nullptr, &status);
+      usearch_openFromCollator(query.data(), static_cast<int32_t>(query.size()), kText.data(),
+                               static_cast<int32_t>(kText.size()), collator, words, &status);
+  if (options) {
+    usearch_setAttribute(search, USEARCH_ELEMENT_COMPARISON,
+                         USEARCH_PATTERN_BASE_WEIGHT_IS_WILDCARD, &status);
+  }
   const int32_t start = usearch_first(search, &status);
   range first;
   if (U_SUCCESS(status) && start != USEARCH_DONE) {
@@ -68,6 +113,7 @@ range first_with_usearch() {
                            static_cast<std::size_t>(start + usearch_getMatchedLength(search)));
   }
   usearch_close(search);
+  if (words != nullptr) ubrk_close(words);
   ucol_close(collator);
   if (U_FAILURE(status)) {
     std::fprintf(stderr, "usearch failed: %s\n", u_errorName(status));
@@ -79,21 +125,27 @@ range first_with_usearch() {
 }  // namespace
 
 int main(int argc, char** argv) {
-  const bool fold = argc == 2 && std::strcmp(argv[1], "fold") == 0;
-  if (!fold && !(argc == 2 && std::strcmp(argv[1], "usearch") == 0)) {
-    std::fprintf(stderr, "usage: %s fold|usearch\n", argv[0]);
+  const std::string mode = argc == 2 ? argv[1] : "";
+  if (mode != "fold" && mode != "usearch" && mode != "options" && mode != "usearch-options" &&
+      mode != "all-options") {
+    std::fprintf(stderr, "usage: %s fold|usearch|options|usearch-options|all-options\n", argv[0]);
     return 2;
   }
   using clock = std::chrono::steady_clock;
   (void)clock::now();  // the clock's own first use is not the search's
+  if (mode == "all-options") (void)first_with_fold({}, kQuery);
   const long before = resident_kib();
   const clock::time_point start = clock::now();
-  const range first = fold ? first_with_fold() : first_with_usearch();
+  range first;
+  if (mode == "fold") first = first_with_fold({}, kQuery);
+  if (mode == "options") first = first_with_fold(every_toggle(), kCapitalQuery);
+  if (mode == "all-options") first = first_with_every_option_set();
+  if (mode == "usearch" || mode == "usearch-options") first = first_with_usearch(mode != "usearch");
   const clock::time_point end = clock::now();
   const long after = resident_kib();
 
   const double ms = std::chrono::duration<double, std::milli>(end - start).count();
-  std::printf("%s ms=%.3f rss_kib=%ld", argv[1], ms, after - before);
+  std::printf("%s ms=%.3f rss_kib=%ld", mode.c_str(), ms, after - before);
   if (first)
     std::printf(" first=%zu,%zu\n", first->first, first->second);
   else

@@ -3,18 +3,26 @@
 
     bench/first_search.py BINARY [RUNS]
 
-Each of the two modes (search_pattern's first search and usearch's) runs RUNS
-times (7 unless told), alternating, each in a process of its own. Prints the
-median time of the first search in each mode and their ratio, and the median
-resident memory each added.
+Each mode runs RUNS times (7 unless told), alternating, each in a process of
+its own. Prints the median time of the first search in each mode, the ratios
+to usearch doing the same, and the median resident memory each added:
+
+  fold / usearch                the default search (target: at most 5 times usearch's,
+                                at most 2 MiB added)
+  options / usearch-options     every toggle of search_options on (target: at most 5 ms)
+  all-options                   one search with each of the 24 option sets after a default
+                                one: what all their tables add (target: at most 2 MiB)
 """
 import statistics
 import subprocess
 import sys
 
-MODES = ("fold", "usearch")
-TARGET_RATIO = 5.0          # fold's first search at most 5 times usearch's
-TARGET_RSS_KIB = 2 * 1024   # and at most 2 MiB of resident memory added
+MODES = ("fold", "usearch", "options", "usearch-options", "all-options")
+LABELS = {"fold": "search_pattern", "usearch": "usearch", "options": "search_pattern, options",
+          "usearch-options": "usearch, options", "all-options": "every option set"}
+TARGET_RATIO = 5.0           # fold's first search at most 5 times usearch's
+TARGET_RSS_KIB = 2 * 1024    # at most 2 MiB of resident memory added
+TARGET_OPTIONS_MS = 5.0      # a first search with a new option set
 
 
 def run_once(binary, mode):
@@ -37,8 +45,7 @@ def main(binary, runs):
     print(f"first search in a fresh process (median of {runs} processes each)")
     rows = [("mode", "ms", "min..max ms", "RSS added KiB", "first match")]
     for mode in MODES:
-        label = "search_pattern" if mode == "fold" else "usearch"
-        rows.append((label, f"{statistics.median(times[mode]):.3f}",
+        rows.append((LABELS[mode], f"{statistics.median(times[mode]):.3f}",
                      f"{min(times[mode]):.3f}..{max(times[mode]):.3f}",
                      f"{statistics.median(rss[mode]):,.0f}", ",".join(sorted(firsts[mode]))))
     widths = [max(len(r[i]) for r in rows) for i in range(len(rows[0]))]
@@ -46,15 +53,22 @@ def main(binary, runs):
         print(f"{row[0]:<{widths[0]}}  " + "  ".join(
             f"{cell:>{w}}" for cell, w in zip(row[1:], widths[1:])))
 
-    ratio = statistics.median(times["fold"]) / statistics.median(times["usearch"])
-    fold_kib = statistics.median(rss["fold"])
-    print(f"search_pattern / usearch, time: {ratio:.3f} (target <= {TARGET_RATIO:g})")
-    print(f"search_pattern, resident memory added: {fold_kib / 1024:.2f} MiB "
+    median = {mode: statistics.median(times[mode]) for mode in MODES}
+    print(f"search_pattern / usearch, time: {median['fold'] / median['usearch']:.3f} "
+          f"(target <= {TARGET_RATIO:g})")
+    print(f"search_pattern, resident memory added: {statistics.median(rss['fold']) / 1024:.2f} MiB "
           f"(target <= {TARGET_RSS_KIB / 1024:g} MiB)")
-    if firsts["fold"] != firsts["usearch"]:
-        print("the two modes do not find the same first match")
-        return 1
-    return 0
+    print(f"with every toggle: {median['options']:.3f} ms (target <= {TARGET_OPTIONS_MS:g} ms), "
+          f"{median['options'] / median['usearch-options']:.3f} of usearch set up the same way")
+    print(f"every option set, resident memory added: "
+          f"{statistics.median(rss['all-options']) / 1024:.2f} MiB "
+          f"(target <= {TARGET_RSS_KIB / 1024:g} MiB)")
+    status = 0
+    for a, b in (("fold", "usearch"), ("options", "usearch-options")):
+        if firsts[a] != firsts[b]:
+            print(f"{LABELS[a]} and {LABELS[b]} do not find the same first match")
+            status = 1
+    return status
 
 
 if __name__ == "__main__":

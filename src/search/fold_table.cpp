@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <mutex>
 #include <utility>
 
 #include <unicode/uchar.h>
@@ -26,54 +27,49 @@ bool built_for_running_icu() {
          std::memcmp(unicode, fold_table_data::unicode_version, sizeof unicode) == 0;
 }
 
-// The tables of every variant, and what they share.
+// What the tables of every variant are made from, and the tables, each
+// loaded at its first use.
 struct fold_table_set {
   fold_tables_image image;  // empty for the tables computed at build time
   fold_table_lists lists{};
+  std::array<std::once_flag, fold_variant::count> loaded;
   std::array<std::unique_ptr<fold_table>, fold_variant::count> tables;
 };
 
 // The tables computed at build time.
-void load_embedded(fold_table_set& set) {
+void use_embedded(fold_table_set& set) {
   namespace data = fold_table_data;
-  set.lists = {data::prevowel_pairs, data::prevowel_pair_count, data::dropped_starts,
-               data::dropped_start_count, data::variable_ends,  data::variable_end_count,
+  set.lists = {data::prevowel_pairs,
+               data::prevowel_pair_count,
+               data::dropped_starts,
+               data::dropped_start_count,
+               data::variable_ends,
+               data::variable_end_count,
                {data::composites, data::case_composites},
                {data::composite_count, data::case_composite_count}};
-  UErrorCode status = U_ZERO_ERROR;
-  for (int index = 0; index < fold_variant::count; ++index) {
-    const data::table& table = data::tables[index];
-    set.tables[static_cast<std::size_t>(index)] = std::make_unique<fold_table>(
-        fold_variant::at(index), table.trie, table.trie_size, table.pool, set.lists, status);
-    if (U_FAILURE(status)) throw regex_exception(status);
-  }
 }
 
 // The tables built at run time, for an ICU other than the one at build time.
 void rebuild(fold_table_set& set) {
   fold_tables_image& image = set.image;
-  UErrorCode status = build_fold_tables(image);
+  const UErrorCode status = build_fold_tables(image);
   if (U_FAILURE(status)) throw regex_exception(status);
-  set.lists = {image.prevowel_pairs.data(), image.prevowel_pairs.size(),
-               image.dropped_starts.data(), image.dropped_starts.size(),
-               image.variable_ends.data(),  image.variable_ends.size(),
+  set.lists = {image.prevowel_pairs.data(),
+               image.prevowel_pairs.size(),
+               image.dropped_starts.data(),
+               image.dropped_starts.size(),
+               image.variable_ends.data(),
+               image.variable_ends.size(),
                {image.composites[0].data(), image.composites[1].data()},
                {image.composites[0].size(), image.composites[1].size()}};
-  for (int index = 0; index < fold_variant::count; ++index) {
-    const fold_table_image& table = image.tables[static_cast<std::size_t>(index)];
-    set.tables[static_cast<std::size_t>(index)] =
-        std::make_unique<fold_table>(fold_variant::at(index), table.trie.data(), table.trie.size(),
-                                     table.pool.c_str(), set.lists, status);
-    if (U_FAILURE(status)) throw regex_exception(status);
-  }
 }
 
 // Made once, where it stays: the tables point into it.
-const fold_table_set& load() {
-  static const std::unique_ptr<const fold_table_set> set = [] {
+fold_table_set& load() {
+  static const std::unique_ptr<fold_table_set> set = [] {
     auto loaded = std::make_unique<fold_table_set>();
     if (built_for_running_icu()) {
-      load_embedded(*loaded);
+      use_embedded(*loaded);
     } else {
       rebuild(*loaded);
     }
@@ -85,8 +81,22 @@ const fold_table_set& load() {
 }  // namespace
 
 const fold_table& fold_table::get(fold_variant variant) {
-  static const fold_table_set& set = load();
-  return *set.tables[static_cast<std::size_t>(variant.index())];
+  static fold_table_set& set = load();
+  const auto index = static_cast<std::size_t>(variant.index());
+  std::call_once(set.loaded[index], [&] {
+    const bool embedded = set.image.tables[index].trie.empty();
+    const std::uint8_t* trie =
+        embedded ? fold_table_data::tables[index].trie : set.image.tables[index].trie.data();
+    const std::size_t trie_size = embedded ? fold_table_data::tables[index].trie_size
+                                           : set.image.tables[index].trie.size();
+    const char16_t* pool =
+        embedded ? fold_table_data::tables[index].pool : set.image.tables[index].pool.c_str();
+    UErrorCode status = U_ZERO_ERROR;
+    auto table = std::make_unique<fold_table>(variant, trie, trie_size, pool, set.lists, status);
+    if (U_FAILURE(status)) throw regex_exception(status);
+    set.tables[index] = std::move(table);
+  });
+  return *set.tables[index];
 }
 
 fold_table::fold_table(fold_variant variant, const std::uint8_t* trie, std::size_t trie_size,

@@ -72,15 +72,16 @@ std::shared_ptr<detail::search_program> new_program(query_syntax syntax,
   return program;
 }
 
-// Whether `query` folds, as `variant` says, to accents alone.
+// Whether `query` folds, as `variant` (with accents) says, to accents alone:
+// to something, and without accents to nothing.
 bool accents_alone(std::u16string_view query, detail::fold_variant variant) {
-  const detail::fold_table& table = detail::fold_table::get(variant);
-  detail::folded_text folded;
-  detail::fold_text(table, query.data(), detail::icu_length(query.size()), false, folded);
-  const detail::code_point_bits& accents = detail::cluster_syntax::accents_of(table);
-  const std::u16string_view units = folded.text();
-  return !units.empty() && std::all_of(units.begin(), units.end(),
-                                       [&](char16_t unit) { return accents.test(unit); });
+  auto folds_to_nothing = [&](detail::fold_variant fold) {
+    detail::folded_text folded;
+    detail::fold_text(detail::fold_table::get(fold), query.data(),
+                      detail::icu_length(query.size()), false, folded);
+    return folded.size == 0;
+  };
+  return folds_to_nothing(variant.without_accents()) && !folds_to_nothing(variant);
 }
 
 // The literal query folded as `settings` say.
