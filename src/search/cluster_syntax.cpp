@@ -29,26 +29,48 @@ const cluster_syntax::alphabet& cluster_syntax::alphabet_of(const fold_table& ta
     const code_point_bits& folds = fold_runs::of(table).alphabet;
     const fold_table& root = fold_table::get();
     const fold_table& letters = fold_table::get(table.variant().without_accents());
+    const fold_table& without_case = fold_table::get(table.variant().without_case());
     std::u16string fold;
-    for (UChar32 c = folds.next(0, true); c < code_point_bits::limit; c = folds.next(c + 1, true)) {
-      if (c == dot_accent || fold_value::kind(root.value(c)) == fold_kind::nothing) {
-        result->accents.set(c, c);
-        if (table.variant().case_level) {
-          fold.clear();
-          fold_table::get(table.variant().without_case()).append_fold(c, fold);
-          int32_t at = 0;
-          const auto length = static_cast<int32_t>(fold.size());
-          if (length != 0) result->same_accents[next_code_point(fold.data(), at, length)].push_back(c);
-        }
-        continue;
-      }
-      if (fold_value::kind(letters.value(c)) == fold_kind::self) continue;
+    auto first_of = [&](const fold_table& from, UChar32 c, UChar32& first) {
       fold.clear();
-      letters.append_fold(c, fold);
+      from.append_fold(c, fold);
       int32_t at = 0;
       const auto length = static_cast<int32_t>(fold.size());
-      const UChar32 letter = next_code_point(fold.data(), at, length);
-      if (at == length && table.composite(c) == nullptr) result->others[letter].push_back(c);
+      if (length == 0) return false;
+      first = next_code_point(fold.data(), at, length);
+      return at == length;
+    };
+    // The accents: what folded text holds of what the root reads as nothing.
+    result->accents.set(dot_accent, dot_accent);
+    for (UChar32 c = 0; c < code_point_bits::limit;) {
+      std::uint32_t value = 0;
+      const UChar32 end = root.fold_run(c, value);
+      if (fold_value::kind(value) == fold_kind::nothing) {
+        for (UChar32 k = folds.next(c, true); k <= end; k = folds.next(k + 1, true)) {
+          result->accents.set(k, k);
+          UChar32 accent = 0;
+          if (table.variant().case_level && first_of(without_case, k, accent)) {
+            result->same_accents[accent].push_back(k);
+          }
+        }
+      }
+      c = end + 1;
+    }
+    // The other letters: what folded text holds of what folds to another
+    // letter without accents.
+    for (UChar32 c = 0; c < code_point_bits::limit;) {
+      std::uint32_t value = 0;
+      const UChar32 end = letters.fold_run(c, value);
+      if (fold_value::kind(value) != fold_kind::self && fold_value::kind(value) != fold_kind::nothing) {
+        for (UChar32 k = folds.next(c, true); k <= end; k = folds.next(k + 1, true)) {
+          UChar32 letter = 0;
+          if (!result->accents.test(k) && table.composite(k) == nullptr &&
+              first_of(letters, k, letter)) {
+            result->others[letter].push_back(k);
+          }
+        }
+      }
+      c = end + 1;
     }
     append_set(result->accents, true, folds, result->any_accents);
     result->any_accents += u'*';
@@ -111,6 +133,15 @@ void cluster_syntax::append_letter(UChar32 letter, std::u16string& out) const {
     for (const UChar32 other : others->second) append_literal_code_point(out, other);
   }
   out += u']';
+}
+
+void cluster_syntax::widen(std::vector<UChar32>& letters) const {
+  const std::size_t given = letters.size();
+  for (std::size_t i = 0; i < given; ++i) {
+    const auto others = alphabet_.others.find(letters[i]);
+    if (others == alphabet_.others.end() || !common(letters[i])) continue;
+    letters.insert(letters.end(), others->second.begin(), others->second.end());
+  }
 }
 
 void cluster_syntax::widen(code_point_bits& letters) const {
@@ -201,7 +232,8 @@ bool cluster_syntax::append_literal(std::u16string_view units, std::u16string& o
 void cluster_syntax::append_members(const class_set& set, std::u16string& out) const {
   const fold_runs& runs = fold_runs::of(table_);
   code_point_bits singles;  // members that fold to one code point
-  std::map<std::u16string, code_point_bits> with_accents;  // by their accents, their letters
+  // By their accents, the letters of members that are a letter with accents.
+  std::map<std::u16string, std::vector<UChar32>> with_accents;
   std::vector<std::u16string> accents_alone;
   for (int32_t i = 0; i < set.members.getRangeCount(); ++i) {
     const UChar32 first = set.members.getRangeStart(i);
@@ -226,8 +258,8 @@ void cluster_syntax::append_members(const class_set& set, std::u16string& out) c
         if (cluster && accent(head)) {
           accents_alone.emplace_back(units, static_cast<std::size_t>(length));
         } else if (cluster) {
-          with_accents[std::u16string(units + at, static_cast<std::size_t>(length - at))].set(head,
-                                                                                               head);
+          with_accents[std::u16string(units + at, static_cast<std::size_t>(length - at))].push_back(
+              head);
         }
       } else {
         set_folds(table_, c, end, value, singles);
@@ -263,7 +295,7 @@ void cluster_syntax::append_members(const class_set& set, std::u16string& out) c
   for (auto& [accents, letters] : with_accents) {
     if (typed_) widen(letters);
     next_alternative();
-    append_set(letters, true, runs.alphabet, out);
+    append_set(letters, out);
     for (int32_t at = 0; at < static_cast<int32_t>(accents.size());) {
       append_literal_code_point(out, next_code_point(accents.data(), at, static_cast<int32_t>(accents.size())));
     }

@@ -62,6 +62,7 @@ class cluster_syntax {
   void append_accent(UChar32 accent, std::u16string& out) const;
   // Adds to `letters` the letters that each of them matches where typed.
   void widen(code_point_bits& letters) const;
+  void widen(std::vector<UChar32>& letters) const;
   // The positive class, without the grouping around it.
   void append_members(const class_set& set, std::u16string& out) const;
 

@@ -1,5 +1,6 @@
 #include "search/pattern_text.h"
 
+#include <algorithm>
 #include <utility>
 #include <vector>
 
@@ -33,18 +34,9 @@ void append_literal_code_point(std::u16string& out, UChar32 c) {
   }
 }
 
-void append_set(const code_point_bits& bits, bool in, const code_point_bits& alphabet,
-                std::u16string& out) {
-  std::vector<std::pair<UChar32, UChar32>> ranges;
-  for (UChar32 c = bits.next(0, in); c < code_point_bits::limit;) {
-    const UChar32 end = bits.next(c, !in);
-    if (!ranges.empty() && !alphabet.any(ranges.back().second + 1, c - 1)) {
-      ranges.back().second = end - 1;
-    } else {
-      ranges.emplace_back(c, end - 1);
-    }
-    c = bits.next(end, in);
-  }
+namespace {
+
+void append_ranges(const std::vector<std::pair<UChar32, UChar32>>& ranges, std::u16string& out) {
   if (ranges.empty()) {
     out += u"[^\\x{0}-\\x{10ffff}]";  // matches nothing
     return;
@@ -57,6 +49,36 @@ void append_set(const code_point_bits& bits, bool in, const code_point_bits& alp
     append_literal_code_point(out, last);
   }
   out += u']';
+}
+
+}  // namespace
+
+void append_set(std::vector<UChar32> members, std::u16string& out) {
+  std::sort(members.begin(), members.end());
+  std::vector<std::pair<UChar32, UChar32>> ranges;
+  for (const UChar32 c : members) {
+    if (!ranges.empty() && c <= ranges.back().second + 1) {
+      ranges.back().second = std::max(ranges.back().second, c);
+    } else {
+      ranges.emplace_back(c, c);
+    }
+  }
+  append_ranges(ranges, out);
+}
+
+void append_set(const code_point_bits& bits, bool in, const code_point_bits& alphabet,
+                std::u16string& out) {
+  std::vector<std::pair<UChar32, UChar32>> ranges;
+  for (UChar32 c = bits.next(0, in); c < code_point_bits::limit;) {
+    const UChar32 end = bits.next(c, !in);
+    if (!ranges.empty() && !alphabet.any(ranges.back().second + 1, c - 1)) {
+      ranges.back().second = end - 1;
+    } else {
+      ranges.emplace_back(c, end - 1);
+    }
+    c = bits.next(end, in);
+  }
+  append_ranges(ranges, out);
 }
 
 }  // namespace scl::regex::detail

@@ -25,6 +25,8 @@ void append_literal_code_point(std::u16string& out, UChar32 c);
 // them; a set that matches nothing if there are none.
 void append_set(const code_point_bits& bits, bool in, const code_point_bits& alphabet,
                 std::u16string& out);
+// Appends a set of `members` (in any order, repeated or not).
+void append_set(std::vector<UChar32> members, std::u16string& out);
 
 }  // namespace scl::regex::detail
 
