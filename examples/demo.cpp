@@ -1,5 +1,6 @@
-// A tour of scl_regex, one section per family of its interface: compiling
-// with options and text preparation, errors, search and groups on a handle,
+// A tour of scl_regex, one section per family of its interface: search as a
+// person means it (search_pattern, with the toggles of a search box), then
+// compiling with options and text preparation, errors, search and groups on a handle,
 // replacement on a handle, one-shot replace and escape, the regex object and
 // its iterator, collecting matches, the text around matches, group names,
 // matches located in the caller's own text, and patterns typed by users.
@@ -31,10 +32,65 @@ void show_option(const char* name, re::constants::syntax_option_type options,
               handle ? "ready" : "empty", handle.get_deleter().options);
 }
 
+// The matches of `pattern` in `text`, each as "[start,end) text".
+std::string matches(const re::search_pattern& pattern, const std::u16string& text) {
+  std::string out;
+  for (const re::source_match& m : pattern.find_all(text)) {
+    out += " [" + std::to_string(m.start) + "," + std::to_string(m.end) + ") \"" +
+           utf8(text.substr(m.start, m.end - m.start)) + "\"";
+  }
+  return out.empty() ? " nothing" : out;
+}
+
+void show_search(const char* toggle, const std::u16string& query, const re::search_options& options,
+                 const std::u16string& text) {
+  const re::search_pattern pattern(query, re::query_syntax::literal, options);
+  std::printf("  %-24s \"%s\" finds%s\n", toggle, utf8(query).c_str(),
+              matches(pattern, text).c_str());
+}
+
+void search_folding() {
+  std::puts("Search as a person means it (search_pattern):");
+  const std::u16string city = u"Les trains pour \u0141\u00f3d\u017a partent de Lodz Kaliska.";
+  std::printf("  in \"%s\", \"lodz\" finds%s\n", utf8(city).c_str(),
+              matches(re::search_pattern(u"lodz"), city).c_str());
+  const re::search_pattern street(u"(\\w+)stra\u00dfe", re::query_syntax::regex);
+  const std::u16string streets = u"Hauptstrasse 5, K\u00f6nigstra\u00dfe 12";
+  std::printf("  the regex query \"(\\w+)stra\u00dfe\" finds in \"%s\":%s\n",
+              utf8(streets).c_str(), matches(street, streets).c_str());
+  std::printf("  and rewrites them with \"$1 St.\": \"%s\"\n",
+              utf8(street.replace_all(streets, u"$1 St.")).c_str());
+
+  const std::u16string text =
+      u"R\u00e9sum\u00e9: RESUME, resume, e-mail E mail; Caf\u00e9 CAF\u00c9 cafe; "
+      u"a cat, concat; \u0e41\u0e21\u0e27\u0e14\u0e33";
+  std::printf("\nThe toggles of a search box (search_options), on \"%s\":\n", utf8(text).c_str());
+  show_search("(none)", u"resume", {}, text);
+  re::search_options options;
+  options.match_case = true;
+  show_search("match_case", u"Resume", options, text);
+  options = {};
+  options.diacritics = re::diacritics_rule::match;
+  show_search("diacritics = match", u"resume", options, text);
+  show_search("diacritics = match", u"caf\u00e9", options, text);
+  options.diacritics = re::diacritics_rule::match_typed;
+  show_search("diacritics = match_typed", u"resume", options, text);
+  show_search("diacritics = match_typed", u"caf\u00e9", options, text);
+  options = {};
+  options.whole_words = true;
+  show_search("whole_words", u"cat", options, text);
+  show_search("whole_words", u"\u0e41\u0e21\u0e27", options, text);
+  options = {};
+  options.ignore_punctuation = true;
+  show_search("ignore_punctuation", u"email", options, text);
+}
+
 }  // namespace
 
 int main() {
-  std::puts("Compiling with each option bit:");
+  search_folding();
+
+  std::puts("\nCompiling with each option bit:");
   show_option("0 (case-sensitive, no preparation)", 0, u"Caf\u00e9");
   show_option("case_insensitive", re::constants::case_insensitive, u"Caf\u00e9");
   show_option("normalize_nfc", re::constants::normalize_nfc, u"Cafe\u0301");

@@ -1,14 +1,20 @@
 // A search box: finds a word the way people type it, ignoring case, accents,
 // width and the like, and shows each line of a text where it occurs.
 //
-//   scl_regex_search_box [--brackets | --highlight] [--regex] QUERY [FILE]
+//   scl_regex_search_box [--brackets | --highlight] [--regex] [--match-case]
+//                        [--match-diacritics | --match-typed-diacritics]
+//                        [--whole-words] [--ignore-punctuation] QUERY [FILE]
 //
 // Reads UTF-8 text from FILE, or from standard input, and prints every line
 // that has a match, with its number and each match marked in the line as it
 // was written: in bold inverse video on a terminal, between [brackets]
 // otherwise (--brackets and --highlight choose). Then the number of matches.
 // With --regex, QUERY is an ICU regular expression, folded the same way; a
-// bad one is shown with a caret under the place where it goes wrong.
+// bad one is shown with a caret under the place where it goes wrong. The
+// toggles of the box are search_options: --match-case (capitals count),
+// --match-diacritics (accents count) or --match-typed-diacritics (accents
+// typed in the query count), --whole-words, --ignore-punctuation (spaces and
+// punctuation count as nothing).
 // Exits with 0 if the query was found, 1 if not, 2 on an error.
 //
 //   $ printf '\xc5\x81\xc3\xb3d\xc5\xba and Lodz\nWarsaw\n' | scl_regex_search_box lodz
@@ -16,6 +22,9 @@
 //   2 matches in 1 line
 //   $ printf 'Stra\xc3\x9f\x65 and Gasse\n' | scl_regex_search_box --regex '\w*(strasse|gasse)'
 //   1: [Straße] and [Gasse]
+//   2 matches in 1 line
+//   $ printf 'caf\xc3\xa9, cafe, CAF\xc3\x89\n' | scl_regex_search_box --match-typed-diacritics 'café'
+//   1: [café], cafe, [CAFÉ]
 //   2 matches in 1 line
 //
 // Only the UTF-8 interface is used: positions are byte offsets in the line.
@@ -64,8 +73,11 @@ std::string read_all(std::istream& in) {
 }
 
 int usage() {
-  std::fputs("usage: scl_regex_search_box [--brackets | --highlight] [--regex] QUERY [FILE]\n",
-             stderr);
+  std::fputs(
+      "usage: scl_regex_search_box [--brackets | --highlight] [--regex] [--match-case]\n"
+      "                            [--match-diacritics | --match-typed-diacritics]\n"
+      "                            [--whole-words] [--ignore-punctuation] QUERY [FILE]\n",
+      stderr);
   return 2;
 }
 
@@ -74,6 +86,7 @@ int usage() {
 int main(int argc, char** argv) {
   const marks* how = isatty(STDOUT_FILENO) ? &kHighlight : &kBrackets;
   re::query_syntax syntax = re::query_syntax::literal;
+  re::search_options options;
   std::vector<std::string_view> operands;
   for (int i = 1; i < argc; ++i) {
     const std::string_view arg = argv[i];
@@ -83,6 +96,16 @@ int main(int argc, char** argv) {
       how = &kHighlight;
     } else if (arg == "--regex") {
       syntax = re::query_syntax::regex;
+    } else if (arg == "--match-case") {
+      options.match_case = true;
+    } else if (arg == "--match-diacritics") {
+      options.diacritics = re::diacritics_rule::match;
+    } else if (arg == "--match-typed-diacritics") {
+      options.diacritics = re::diacritics_rule::match_typed;
+    } else if (arg == "--whole-words") {
+      options.whole_words = true;
+    } else if (arg == "--ignore-punctuation") {
+      options.ignore_punctuation = true;
     } else if (arg.size() > 1 && arg[0] == '-') {
       return usage();
     } else {
@@ -90,7 +113,7 @@ int main(int argc, char** argv) {
     }
   }
   if (operands.empty() || operands.size() > 2) return usage();
-  if (const auto bad = re::search_pattern::check(operands[0], syntax)) {
+  if (const auto bad = re::search_pattern::check(operands[0], syntax, options)) {
     std::fprintf(stderr, "bad query: %s\n", bad->description.c_str());
     return 2;
   }
@@ -110,7 +133,7 @@ int main(int argc, char** argv) {
 
   try {
     // The query is folded once; each line is then searched with it.
-    const re::search_pattern query(operands[0], syntax);
+    const re::search_pattern query(operands[0], syntax, options);
     std::size_t match_count = 0;
     std::size_t line_count = 0;
     std::size_t number = 0;

@@ -116,6 +116,55 @@ TEST(ConcurrentSearchFolding, OneRegexQuerySharedByEveryThread) {
             0);
 }
 
+// The tables of the search options, the word break iterators and the class
+// alphabets meet their first use on many threads at once; then one pattern
+// with options serves every thread.
+TEST(ConcurrentSearchFolding, OnePatternWithOptionsSharedByEveryThread) {
+  namespace re = scl::regex;
+  auto options_of = [](int index) {
+    re::search_options options;
+    options.match_case = (index & 1) != 0;
+    options.whole_words = (index & 2) != 0;
+    options.ignore_punctuation = (index & 4) != 0;
+    options.diacritics = static_cast<re::diacritics_rule>((index >> 3) % 3);
+    return options;
+  };
+  EXPECT_EQ(scl_regex_test::run_on_threads(24, 1,
+                           [&](int t, int) {
+                             const re::search_options options = options_of(t);
+                             const re::search_pattern literal(u"Caf\u00e9", re::query_syntax::literal,
+                                                              options);
+                             const re::search_pattern regex(u"C[a\u00e0]f\\w+",
+                                                            re::query_syntax::regex, options);
+                             const std::u16string text = u"un Caf\u00e9, deux";
+                             return (literal.found_in(text) ? 0 : 1) + (regex.found_in(text) ? 0 : 1);
+                           }),
+            0);
+  re::search_options options;
+  options.match_case = true;
+  options.diacritics = re::diacritics_rule::match_typed;
+  options.whole_words = true;
+  options.ignore_punctuation = true;
+  const re::search_pattern shared(u"NewYork", re::query_syntax::literal, options);
+  const re::search_pattern shared_regex(u"(Caf[e\u00e9])\\b", re::query_syntax::regex, options);
+  EXPECT_EQ(run_on_threads([&](int t, int r) {
+              const std::u16string pad(static_cast<std::size_t>(t + r), u'x');
+              const std::u16string text = pad + u" New-York, newyork, Caf\u00e9.";
+              const std::string utf8 = std::string(static_cast<std::size_t>(t + r), 'x') +
+                                       " New-York, newyork, Caf\xc3\xa9.";
+              const auto at = static_cast<std::size_t>(t + r + 1);
+              const std::vector<re::source_match> found = shared.find_all(text);
+              const std::vector<re::source_match> found8 = shared.find_all(utf8);
+              const std::vector<re::source_match> cafe = shared_regex.find_all(text);
+              int wrong = 0;
+              wrong += found.size() == 1 && found[0].start == at && found[0].end == at + 8 ? 0 : 1;
+              wrong += found8.size() == 1 && found8[0].start == at ? 0 : 1;
+              wrong += cafe.size() == 1 && cafe[0].groups[1].first == at + 19 ? 0 : 1;
+              return wrong;
+            }),
+            0);
+}
+
 TEST(ConcurrentFreeFunctions, OneShotReplaceUtf16AndUtf8) {
   EXPECT_EQ(run_on_threads([](int t, int r) {
               const std::u16string subject = numbered(t, r);
