@@ -40,127 +40,14 @@
 #include <scl/regex/search_pattern.h>
 
 #include "fuzz_input.h"
+#include "search_checks.h"
 
 namespace re = scl::regex;
+using namespace fuzz::search_checks;
 
 namespace {
 
 constexpr std::size_t kMaxReplacement = 16;
-constexpr std::size_t kNone = static_cast<std::size_t>(-1);
-
-using ranges = std::vector<std::pair<std::size_t, std::size_t>>;
-
-// Property 1 for the matches of one search over a text of `size` units or bytes.
-ranges checked_ranges(const std::vector<re::source_match>& matches, std::size_t size) {
-  ranges out;
-  std::size_t previous_end = 0;
-  for (const re::source_match& m : matches) {
-    FUZZ_CHECK(m.start < m.end);
-    FUZZ_CHECK(m.start >= previous_end);
-    FUZZ_CHECK(m.end <= size);
-    FUZZ_CHECK(m.groups.size() == 1);
-    FUZZ_CHECK(m.groups[0].first == m.start && m.groups[0].second == m.end);
-    previous_end = m.end;
-    out.emplace_back(m.start, m.end);
-  }
-  return out;
-}
-
-// find_all over `text` (UTF-16 or UTF-8), checked against found_in, find_first
-// and replace_all (properties 1 and 3).
-template <class Text>
-ranges search(const re::search_pattern& pattern, const Text& text, const Text& replacement) {
-  using view = std::basic_string_view<typename Text::value_type>;
-  const ranges found = checked_ranges(pattern.find_all(view(text)), text.size());
-  FUZZ_CHECK(pattern.found_in(view(text)) == !found.empty());
-  const std::optional<re::source_match> first = pattern.find_first(view(text));
-  FUZZ_CHECK(first.has_value() == !found.empty());
-  if (first) {
-    FUZZ_CHECK(first->start == found.front().first && first->end == found.front().second);
-    FUZZ_CHECK(first->groups.size() == 1);
-  }
-  Text expected;
-  std::size_t kept = 0;
-  for (const auto& [start, end] : found) {
-    expected.append(text, kept, start - kept);
-    expected += replacement;
-    kept = end;
-  }
-  expected.append(text, kept, Text::npos);
-  FUZZ_CHECK(pattern.replace_all(view(text), view(replacement)) == expected);
-  return found;
-}
-
-// Property 2.
-void check_grapheme_starts(const std::u16string& text, const ranges& found) {
-  if (found.empty()) return;
-  UErrorCode status = U_ZERO_ERROR;
-  const std::unique_ptr<UBreakIterator, void (*)(UBreakIterator*)> characters(
-      ubrk_open(UBRK_CHARACTER, "", text.data(), static_cast<int32_t>(text.size()), &status),
-      ubrk_close);
-  FUZZ_CHECK(U_SUCCESS(status));
-  for (const auto& range : found)
-    FUZZ_CHECK(ubrk_isBoundary(characters.get(), static_cast<int32_t>(range.first)));
-}
-
-// Bytes read as UTF-8, as the library reads them: each ill-formed sequence
-// (maximal subpart) is U+FFFD. `unit_of_byte[b]` is the UTF-16 offset of the
-// character that starts at byte b (kNone inside a character), up to the end.
-struct decoded {
-  std::u16string text;
-  std::vector<std::size_t> unit_of_byte;
-};
-
-decoded decode(const std::string& bytes) {
-  decoded out;
-  out.unit_of_byte.assign(bytes.size() + 1, kNone);
-  const auto* s = reinterpret_cast<const std::uint8_t*>(bytes.data());
-  const auto length = static_cast<int32_t>(bytes.size());
-  for (int32_t i = 0; i < length;) {
-    out.unit_of_byte[static_cast<std::size_t>(i)] = out.text.size();
-    UChar32 c = 0;
-    U8_NEXT(s, i, length, c);
-    if (c < 0) c = 0xFFFD;
-    if (c <= 0xFFFF) {
-      out.text.push_back(static_cast<char16_t>(c));
-    } else {
-      out.text.push_back(U16_LEAD(c));
-      out.text.push_back(U16_TRAIL(c));
-    }
-  }
-  out.unit_of_byte[bytes.size()] = out.text.size();
-
-  // The same text as ICU's conversion with substitution.
-  std::u16string icu(bytes.size(), u'\0');
-  int32_t icu_length = 0;
-  UErrorCode status = U_ZERO_ERROR;
-  u_strFromUTF8WithSub(icu.data(), static_cast<int32_t>(icu.size()), &icu_length, bytes.data(),
-                       length, 0xFFFD, nullptr, &status);
-  FUZZ_CHECK(U_SUCCESS(status));
-  icu.resize(static_cast<std::size_t>(icu_length));
-  FUZZ_CHECK(icu == out.text);
-  return out;
-}
-
-// Byte ranges as the UTF-16 ranges of the decoded text; each end must fall
-// between characters.
-ranges in_units(const ranges& bytes, const decoded& text) {
-  ranges out;
-  for (const auto& [start, end] : bytes) {
-    FUZZ_CHECK(text.unit_of_byte[start] != kNone && text.unit_of_byte[end] != kNone);
-    out.emplace_back(text.unit_of_byte[start], text.unit_of_byte[end]);
-  }
-  return out;
-}
-
-// Property 5: `bytes` searched as UTF-8 finds what its decoding finds as UTF-16.
-void check_utf8(const re::search_pattern& pattern, const std::string& bytes,
-                const std::string& replacement) {
-  const decoded text = decode(bytes);
-  const ranges as_utf16 = search(pattern, text.text, decode(replacement).text);
-  check_grapheme_starts(text.text, as_utf16);
-  FUZZ_CHECK(in_units(search(pattern, bytes, replacement), text) == as_utf16);
-}
 
 }  // namespace
 
@@ -177,7 +64,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   FUZZ_CHECK(pattern.syntax() == re::query_syntax::literal && pattern.group_count() == 0);
   FUZZ_CHECK(!re::search_pattern::check(query, re::query_syntax::literal).has_value());
   const ranges found = search(pattern, text, replacement);
-  check_grapheme_starts(text, found);
+  check_boundaries(text, found);
   if (re::search_fold(query).text().empty()) FUZZ_CHECK(found.empty());
   FUZZ_CHECK(re::search_pattern().find_all(text).empty());
 

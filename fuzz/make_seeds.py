@@ -230,6 +230,24 @@ SEEDS = {
 
 # Long texts: preparing more than 1024 units takes another path.
 LONG = "e\u0301xy" * 350  # 1400 units, 1050 in NFC
+# fuzz_search_options: a byte of options (1 match_case, 2 whole_words,
+# 4 ignore_punctuation, the diacritics rule from bit 3), then as fuzz_search_fold.
+CASE, WORDS, PUNCTUATION, MATCH, TYPED = 1, 2, 4, 1 << 3, 2 << 3
+SEEDS["fuzz_search_options"] = {
+    "match_case": bytes([CASE]) + text("Resume") + text("<>")
+    + units("R\u00e9sum\u00e9, resume, RESUME, \uff32\uff25\uff33\uff35\uff2d\uff25"),
+    "diacritics_match": bytes([MATCH]) + text("\u0142\u00f3d\u017a") + text("")
+    + units("\u0141\u00d3D\u0179 lodz \u0141\u00f3d\u017a"),
+    "typed": bytes([TYPED]) + text("caf\u00e9") + text("x") + units("CAF\u00c9 cafe caf\u00e8 \u00e9\u0301"),
+    "typed_sharp_s": bytes([TYPED]) + text("strasse") + text("") + units("Stra\u00dfe \n\u0301strasse"),
+    "whole_words": bytes([WORDS]) + text("cat") + text("") + units("a cat. concat cats Cat's cat\u00ad "),
+    "whole_words_thai": bytes([WORDS]) + text("\u0e41\u0e21\u0e27") + text("") + units("\u0e41\u0e21\u0e27\u0e14\u0e33"),
+    "punctuation": bytes([PUNCTUATION]) + text("email") + text("") + units("e-mail E mail e.mail a\u2474"),
+    "every_toggle": bytes([CASE | WORDS | PUNCTUATION | TYPED]) + text("NewYork") + text("")
+    + units("New York, New-York, newyork, NewYorker, l\u00b7l"),
+    "accents_punctuation": bytes([MATCH | PUNCTUATION]) + text("ea") + text("") + units("e-\u0301a \u0301 l\u00b7\u0300"),
+    "out_of_range": bytes([31 << 3]) + text("x") + text("") + units("x"),
+}
 SEEDS["fuzz_prepare"]["long_nfc"] = u32(NFC | NO_DIACRITICS) + units(LONG)
 SEEDS["fuzz_handle_search"]["long_nfc"] = u32(NFC) + text("(e\u0301|\u00e9)xy$") + units(LONG)
 SEEDS["fuzz_regex_walk"]["long_nfc"] = (

@@ -155,11 +155,11 @@ const code_point_bits& cluster_syntax::accents_of(const fold_table& table) {
   return alphabet_of(table).accents;
 }
 
-bool cluster_syntax::append_literal(std::u16string_view units, std::u16string& out) const {
+int cluster_syntax::append_literal(std::u16string_view units, std::u16string& out) const {
   if (!typed_) {
     const auto size = static_cast<int32_t>(units.size());
     for (int32_t at = 0; at < size;) append_literal_code_point(out, next_code_point(units.data(), at, size));
-    return false;
+    return -1;
   }
   struct item {
     UChar32 unit;
@@ -193,12 +193,15 @@ bool cluster_syntax::append_literal(std::u16string_view units, std::u16string& o
     return nullptr;
   };
   bool open = false;  // a letter's accents may follow
+  int typed_accents = 0;  // accents typed after the last letter
   for (std::size_t i = 0; i < items.size();) {
     if (items[i].accent) {
       append_accent(items[i].unit, out);
+      ++typed_accents;
       ++i;
       continue;
     }
+    typed_accents = 0;
     if (open) out += any_accents;
     if (const composite_unit* unit = composite_at(i)) {
       out += u"(?:";
@@ -223,10 +226,10 @@ bool cluster_syntax::append_literal(std::u16string_view units, std::u16string& o
     out += u")*(?!";
     out.append(any_accents, 0, any_accents.size() - 1);
     out += u')';
-    return false;
+    return open ? typed_accents : -1;
   }
   if (open) out += any_accents;
-  return open;
+  return open ? 0 : -1;
 }
 
 void cluster_syntax::append_members(const class_set& set, std::u16string& out) const {

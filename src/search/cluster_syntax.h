@@ -34,8 +34,9 @@ class cluster_syntax {
 
   // Appends pattern text that matches the folded literal `units` (a run of
   // the pattern's literal characters, folded). Without `typed`, the units as
-  // they are. Returns whether the text ends taking the accents after a letter.
-  bool append_literal(std::u16string_view units, std::u16string& out) const;
+  // they are. Returns, if the run ends with a letter (and accents typed after
+  // it), how many accents; -1 otherwise.
+  int append_literal(std::u16string_view units, std::u16string& out) const;
   // The accents of folded text with `table`'s accents.
   static const code_point_bits& accents_of(const fold_table& table);
   // Appends a class: a cluster that is the fold of one of the members of

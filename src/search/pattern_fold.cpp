@@ -110,7 +110,7 @@ class pattern_folder {
     flush(false);
     out_.origin.push_back(static_cast<int32_t>(pattern_.size()));
     out_.literal = only_literals_;
-    out_.ends_taking_accents = takes_accents_ && !top_level_alternation_;
+    out_.typed_ending = top_level_alternation_ ? -1 : typed_ending_;
     // A prefix with surrogates is not used: the text's lone ones are shown
     // to ICU as stand-ins, and the prefix is looked for in that text.
     // Searches that start at a prefix restart the engine, which \G would see.
@@ -138,7 +138,7 @@ class pattern_folder {
     for (const char16_t unit : text) emit_unit(unit, origin);
     after_back_reference_ = false;
     anything_emitted_ = true;
-    takes_accents_ = false;
+    typed_ending_ = -1;
     at_start_ = false;
   }
 
@@ -295,9 +295,9 @@ class pattern_folder {
         // may start with accents that are pieces of their own.
         clusters_->append_accents(text, dot_apart_);
       }
-      const bool takes_accents = clusters_->append_literal(units, text);
+      const int typed_ending = clusters_->append_literal(units, text);
       emit_text(text, run_origin_[static_cast<std::size_t>(folded.origin[from])]);
-      takes_accents_ = takes_accents;
+      typed_ending_ = typed_ending;
       return;
     }
     for (int32_t at = from; at < to;) {
@@ -346,10 +346,10 @@ class pattern_folder {
   // Emits a group's parenthesis, which leaves what the pattern ends with as it was.
   template <class Emit>
   void keeping_end(Emit emit) {
-    const bool takes_accents = takes_accents_;
+    const int typed_ending = typed_ending_;
     const bool at_start = at_start_;
     emit();
-    takes_accents_ = takes_accents;
+    typed_ending_ = typed_ending;
     at_start_ = at_start;
   }
 
@@ -446,7 +446,7 @@ class pattern_folder {
   std::vector<int32_t> run_origin_;  // for each unit of run_, its offset in the pattern
   bool after_back_reference_ = false;
   bool anything_emitted_ = false;  // syntax dropped (a comment) counts as nothing
-  bool takes_accents_ = false;     // what was emitted last takes the text's accents after it
+  int typed_ending_ = -1;  // what was emitted last ends with a letter and this many accents
   bool at_start_ = true;           // nothing but group openings emitted yet
   bool only_literals_ = true;
   bool top_level_alternation_ = false;

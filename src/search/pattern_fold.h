@@ -47,10 +47,11 @@ struct folded_pattern {
   std::u16string literal_text;  // ... and the characters they are
   // Folded units that every match starts with (empty if there are none).
   std::u16string prefix;
-  // With diacritics matched where typed: the pattern ends with a letter and
-  // the accents after it, which ICU's usearch does not take past the piece of
-  // that letter (regex_search.h).
-  bool ends_taking_accents = false;
+  // With diacritics matched where typed, where the pattern ends with a
+  // letter and the accents typed after it: how many accents (-1 otherwise).
+  // A match takes the text's other accents after them, but ICU's usearch not
+  // past their piece (regex_search.h).
+  int typed_ending = -1;
 
   // The offset in the caller's pattern of folded position `at`.
   int32_t source_offset(std::size_t at) const {

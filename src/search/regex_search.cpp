@@ -41,21 +41,22 @@ void conceal_false_pairs(folded_text& folded) {
   }
 }
 
-// The end of a match [start, end) without the accents after the piece of its
-// last unit that is not one.
-int32_t end_of_last_letter(const folded_text& folded, const code_point_bits& accents, int32_t start,
-                           int32_t end) {
+// The end of a match [start, end) without the accents after the piece of the
+// last accent the pattern typed after its last letter.
+int32_t typed_end(const folded_text& folded, const typed_ending& ending, int32_t start,
+                  int32_t end) {
   int32_t letter = end - 1;
-  while (letter >= start && accents.test(folded.units[letter])) --letter;
-  if (letter < start) return end;
-  int32_t piece_end = letter + 1;
-  while (piece_end < end && folded.origin[piece_end] == folded.origin[letter]) ++piece_end;
+  while (letter >= start && ending.accents->test(folded.units[letter])) --letter;
+  if (letter < start || end - letter - 1 < ending.typed) return end;
+  const int32_t last = letter + ending.typed;
+  int32_t piece_end = last + 1;
+  while (piece_end < end && folded.origin[piece_end] == folded.origin[last]) ++piece_end;
   return piece_end;
 }
 
 template <class Unit>
 void find(const fold_table& table, const icu::RegexPattern& pattern, std::u16string_view prefix,
-          match_policy policy, const code_point_bits* trailing_accents, const Unit* source,
+          match_policy policy, const typed_ending* ending, const Unit* source,
           folded_text& folded, std::size_t limit, regex_matches& out) {
   UErrorCode status = U_ZERO_ERROR;
   const std::unique_ptr<icu::RegexMatcher> matcher = new_matcher(pattern, status);
@@ -92,9 +93,9 @@ void find(const fold_table& table, const icu::RegexPattern& pattern, std::u16str
     if (!found) break;
     const auto start = static_cast<int32_t>(matcher->start64(status));
     const auto found_end = static_cast<int32_t>(matcher->end64(status));
-    const int32_t end = trailing_accents != nullptr && found_end > start
-                            ? end_of_last_letter(folded, *trailing_accents, start, found_end)
-                            : found_end;
+    const int32_t end =
+        ending != nullptr && found_end > start ? typed_end(folded, *ending, start, found_end)
+                                               : found_end;
     source_span span{};
     if (start == end ? rules.accepts_empty(start, span) : rules.accepts(start, end, span)) {
       out.spans.push_back(span);
@@ -129,17 +130,16 @@ void find(const fold_table& table, const icu::RegexPattern& pattern, std::u16str
 }  // namespace
 
 void find_regex(const fold_table& table, const icu::RegexPattern& pattern,
-                std::u16string_view prefix, match_policy policy,
-                const code_point_bits* trailing_accents, const char16_t* source,
-                folded_text& folded, std::size_t limit, regex_matches& out) {
-  find(table, pattern, prefix, policy, trailing_accents, source, folded, limit, out);
+                std::u16string_view prefix, match_policy policy, const typed_ending* ending,
+                const char16_t* source, folded_text& folded, std::size_t limit,
+                regex_matches& out) {
+  find(table, pattern, prefix, policy, ending, source, folded, limit, out);
 }
 
 void find_regex(const fold_table& table, const icu::RegexPattern& pattern,
-                std::u16string_view prefix, match_policy policy,
-                const code_point_bits* trailing_accents, const char* source, folded_text& folded,
-                std::size_t limit, regex_matches& out) {
-  find(table, pattern, prefix, policy, trailing_accents, source, folded, limit, out);
+                std::u16string_view prefix, match_policy policy, const typed_ending* ending,
+                const char* source, folded_text& folded, std::size_t limit, regex_matches& out) {
+  find(table, pattern, prefix, policy, ending, source, folded, limit, out);
 }
 
 }  // namespace scl::regex::detail

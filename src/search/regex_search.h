@@ -34,18 +34,24 @@ struct regex_matches {
 // match starts with: ICU is asked to search only from where it occurs. ICU's matches that break the
 // rules are skipped, and the search goes on from the next piece. Throws regex_exception:
 // U_REGEX_TIME_OUT when the calling thread's match_time_limit stops the search, or ICU's code.
-// `policy` adds the rules of the search's options. With `trailing_accents`
-// (a pattern that ends taking the accents after a letter, where diacritics
-// are matched where typed), a match leaves out those accents that are not in
-// the piece of its last letter, as ICU's usearch does.
+// Where diacritics are matched where typed and the pattern ends with a
+// letter and `typed` accents typed after it (see folded_pattern): a match
+// leaves out the text's other accents after those that are not in their
+// piece, as ICU's usearch does.
+struct typed_ending {
+  const code_point_bits* accents;  // the accents of folded text
+  int typed;
+};
+
+// `policy` adds the rules of the search's options; `ending`, if any, is the
+// pattern's typed ending.
 void find_regex(const fold_table& table, const icu::RegexPattern& pattern,
-                std::u16string_view prefix, match_policy policy,
-                const code_point_bits* trailing_accents, const char16_t* source,
-                folded_text& folded, std::size_t limit, regex_matches& out);
+                std::u16string_view prefix, match_policy policy, const typed_ending* ending,
+                const char16_t* source, folded_text& folded, std::size_t limit,
+                regex_matches& out);
 void find_regex(const fold_table& table, const icu::RegexPattern& pattern,
-                std::u16string_view prefix, match_policy policy,
-                const code_point_bits* trailing_accents, const char* source, folded_text& folded,
-                std::size_t limit, regex_matches& out);
+                std::u16string_view prefix, match_policy policy, const typed_ending* ending,
+                const char* source, folded_text& folded, std::size_t limit, regex_matches& out);
 
 }  // namespace scl::regex::detail
 

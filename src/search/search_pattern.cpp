@@ -18,6 +18,7 @@
 #include "search/folded_text.h"
 #include "search/literal_search.h"
 #include "search/pattern_fold.h"
+#include "search/pattern_text.h"
 #include "search/regex_search.h"
 #include "search/search_settings.h"
 #include "search/typed_accents.h"
@@ -42,9 +43,9 @@ struct search_program {
   // start every match.
   shared_pattern pattern;
   std::u16string prefix;
-  // Diacritics matched where typed: the accents a match leaves out after its
-  // last letter, if the pattern ends taking them (find_regex).
-  const code_point_bits* trailing_accents = nullptr;
+  // Diacritics matched where typed: how a match ends, if the pattern ends
+  // with a letter and the accents typed after it (find_regex).
+  std::optional<typed_ending> ending;
   int group_count = 0;
 };
 
@@ -93,6 +94,57 @@ detail::literal_query fold_literal(std::u16string_view query,
   return detail::literal_query::of(folded);
 }
 
+// The offset in `pattern` where ICU stopped compiling it, or npos.
+std::size_t error_offset(const std::u16string& pattern, const detail::compiled_pattern& compiled) {
+  return detail::parse_offset(pattern, compiled.where.line, compiled.where.offset);
+}
+
+// ICU's error for a folded pattern, with its offset in the caller's pattern.
+struct pattern_failure {
+  regex_exception error;
+  std::size_t offset;
+};
+
+// Folds `pattern` by its syntax into `program`, as its settings say: ICU's
+// pattern for the fold, the units every match starts with, how a typed
+// ending ends, the number of groups. Returns ICU's error if it rejects the
+// fold.
+std::optional<pattern_failure> fold_regex(detail::search_program& program,
+                                          std::u16string_view pattern,
+                                          detail::folded_pattern& folded) {
+  const bool typed = program.options.diacritics == diacritics_rule::match_typed;
+  const detail::fold_table& table = detail::fold_table::get(program.settings.fold);
+  folded = detail::fold_pattern(table, pattern, typed);
+  const detail::compiled_pattern compiled = detail::compile_prepared(folded.text, 0);
+  if (!compiled) {
+    const std::size_t at = error_offset(folded.text, compiled);
+    return pattern_failure{compiled.error(),
+                           at == npos ? npos : static_cast<std::size_t>(folded.source_offset(at))};
+  }
+  program.pattern = compiled.pattern;
+  program.prefix = folded.prefix;
+  if (folded.typed_ending >= 0) {
+    program.ending =
+        detail::typed_ending{&detail::cluster_syntax::accents_of(table), folded.typed_ending};
+  }
+  UErrorCode status = U_ZERO_ERROR;
+  const std::unique_ptr<icu::RegexMatcher> matcher(program.pattern->matcher(status));
+  if (U_FAILURE(status)) return pattern_failure{regex_exception(status), npos};
+  if (matcher == nullptr) throw std::bad_alloc();
+  program.group_count = matcher->groupCount();
+  return std::nullopt;
+}
+
+// `text` as a pattern of escaped characters, which stand for themselves.
+std::u16string escaped(std::u16string_view text) {
+  std::u16string pattern;
+  const auto size = detail::icu_length(text.size());
+  for (int32_t at = 0; at < size;) {
+    detail::append_escaped(pattern, detail::next_code_point(text.data(), at, size));
+  }
+  return pattern;
+}
+
 // Makes `program` search `query` as a literal query.
 void make_literal(detail::search_program& program, std::u16string_view query) {
   detail::search_settings& settings = program.settings;
@@ -106,10 +158,22 @@ void make_literal(detail::search_program& program, std::u16string_view query) {
   }
   if (settings.typed_accents) {
     if (program.query.units.empty()) {
-      // Accents alone, with no letter to find them by: they are found as
-      // they are typed, then checked as any query is.
       settings.fold = settings.accents;
       program.query = fold_literal(query, settings);
+      if (program.query.units.empty()) return;  // folds to nothing: finds nothing
+      // Accents alone, with no letter to find them by: searched as the regex
+      // of the characters they are (cluster_syntax.h), which finds them as
+      // typed and more of the last one after them, as ICU's usearch does.
+      // (ICU takes escaped characters; were it not so, they would be found
+      // as they are.)
+      detail::search_settings regex = detail::search_settings::of(program.options, query_syntax::regex);
+      std::swap(settings, regex);
+      detail::folded_pattern folded;
+      if (!fold_regex(program, escaped(query), folded)) {
+        program.query = {};
+        return;
+      }
+      std::swap(settings, regex);
     }
     program.accents =
         detail::typed_accents(detail::fold_table::get(settings.accents), query,
@@ -123,11 +187,6 @@ compiled_query compile_literal(std::u16string_view query, const search_options& 
   return compiled_query{std::move(program), std::nullopt, npos};
 }
 
-// The offset in `pattern` where ICU stopped compiling it, or npos.
-std::size_t error_offset(const std::u16string& pattern, const detail::compiled_pattern& compiled) {
-  return detail::parse_offset(pattern, compiled.where.line, compiled.where.offset);
-}
-
 // A regex query: ICU must compile it as it stands (so that its errors are
 // ICU's, at ICU's offsets), then its fold, which ICU runs on folded text.
 // "." matches line ends, as everywhere in the library.
@@ -138,33 +197,17 @@ compiled_query compile_regex(std::u16string_view query, const search_options& op
                           error_offset(std::u16string(query), as_written)};
   }
   auto program = new_program(query_syntax::regex, options);
-  const bool typed = options.diacritics == diacritics_rule::match_typed;
-  const detail::folded_pattern folded =
-      detail::fold_pattern(detail::fold_table::get(program->settings.fold), query, typed);
-  const detail::compiled_pattern compiled = detail::compile_prepared(folded.text, 0);
-  if (!compiled) {
-    const std::size_t at = error_offset(folded.text, compiled);
-    return compiled_query{nullptr, compiled.error(),
-                          at == npos ? npos : static_cast<std::size_t>(folded.source_offset(at))};
+  detail::folded_pattern folded;
+  if (const std::optional<pattern_failure> failure = fold_regex(*program, query, folded)) {
+    return compiled_query{nullptr, failure->error, failure->offset};
   }
-  program->pattern = compiled.pattern;
-  program->prefix = folded.prefix;
-  if (folded.ends_taking_accents) {
-    program->trailing_accents =
-        &detail::cluster_syntax::accents_of(detail::fold_table::get(program->settings.fold));
-  }
-  if (folded.literal && typed) {
+  if (folded.literal && options.diacritics == diacritics_rule::match_typed) {
     // Searched as the literal query it is, whose accents are checked after.
     program->settings = detail::search_settings::of(options, query_syntax::literal);
     make_literal(*program, folded.literal_text);
   } else if (folded.literal) {
     program->query = folded.literal_fold;
   }
-  UErrorCode status = U_ZERO_ERROR;
-  const std::unique_ptr<icu::RegexMatcher> matcher(program->pattern->matcher(status));
-  if (U_FAILURE(status)) return compiled_query{nullptr, regex_exception(status), npos};
-  if (matcher == nullptr) throw std::bad_alloc();
-  program->group_count = matcher->groupCount();
   return compiled_query{std::move(program), std::nullopt, npos};
 }
 
@@ -256,7 +299,8 @@ detail::regex_matches search(const detail::search_program* program,
     // A regex may look anywhere: the whole text is folded first.
     detail::fold_text(table, text.data(), size, true, folded);
     detail::find_regex(table, *program->pattern, program->prefix, policy,
-                       program->trailing_accents, text.data(), folded, limit, found);
+                       program->ending ? &*program->ending : nullptr, text.data(), folded,
+                       limit, found);
     return found;
   }
   // The search follows the fold, so that it can stop at the first match. (One

@@ -1,0 +1,315 @@
+// ICU's usearch set up as search options say, and the differences from it
+// that search folding documents: the oracle of the usearch differential
+// (search_differential.h) and of the fuzz targets, without GoogleTest.
+//
+// usearch has no case level: with match_case, the reference takes usearch's
+// overlapping matches at the same strength, keeps those that a collator with
+// the case level on finds equal to the query, and takes them leftmost first,
+// without overlap.
+#ifndef SCL_REGEX_TESTS_SUPPORT_USEARCH_ORACLE_H
+#define SCL_REGEX_TESTS_SUPPORT_USEARCH_ORACLE_H
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include <unicode/ubrk.h>
+#include <unicode/uchar.h>
+#include <unicode/ucol.h>
+#include <unicode/ucoleitr.h>
+#include <unicode/unorm2.h>
+#include <unicode/usearch.h>
+#include <unicode/utf16.h>
+
+#include <scl/regex/search_pattern.h>
+
+namespace scl_regex_test::search_differential {
+
+namespace re = scl::regex;
+
+using range = std::pair<std::size_t, std::size_t>;
+using ranges = std::vector<range>;
+
+inline constexpr std::size_t kNowhere = static_cast<std::size_t>(-1);
+
+// ---------------------------------------------------------------------------
+// Text helpers
+
+inline std::u16string nfc(std::u16string_view text) {
+  UErrorCode status = U_ZERO_ERROR;
+  const UNormalizer2* normalizer = unorm2_getNFCInstance(&status);
+  std::u16string out(text.size() * 3 + 8, u'\0');
+  const int32_t length =
+      unorm2_normalize(normalizer, text.data(), static_cast<int32_t>(text.size()), out.data(),
+                       static_cast<int32_t>(out.size()), &status);
+  if (U_FAILURE(status)) return u"<normalisation failed>";
+  out.resize(static_cast<std::size_t>(length));
+  return out;
+}
+
+inline std::u16string nfd(std::u16string_view text) {
+  UErrorCode status = U_ZERO_ERROR;
+  const UNormalizer2* normalizer = unorm2_getNFDInstance(&status);
+  std::u16string out(text.size() * 4 + 8, u'\0');
+  const int32_t length =
+      unorm2_normalize(normalizer, text.data(), static_cast<int32_t>(text.size()), out.data(),
+                       static_cast<int32_t>(out.size()), &status);
+  if (U_FAILURE(status)) return u"<normalisation failed>";
+  out.resize(static_cast<std::size_t>(length));
+  return out;
+}
+
+inline void append_code_point(std::u16string& text, UChar32 c) {
+  if (c <= 0xFFFF) {
+    text += static_cast<char16_t>(c);
+  } else {
+    text += U16_LEAD(c);
+    text += U16_TRAIL(c);
+  }
+}
+
+inline std::vector<UChar32> code_points_of(std::u16string_view text) {
+  std::vector<UChar32> out;
+  for (std::size_t i = 0; i < text.size();) {
+    UChar32 c;
+    U16_NEXT(text.data(), i, text.size(), c);
+    out.push_back(c);
+  }
+  return out;
+}
+
+
+// ---------------------------------------------------------------------------
+// The oracle
+
+// usearch set up as `options` say: the root collator at primary strength, or
+// secondary where diacritics count (with USEARCH_PATTERN_BASE_WEIGHT_IS_WILDCARD
+// where typed), alternate handling "shifted" for ignored punctuation, the
+// root's word break iterator for whole words.
+class usearch_oracle {
+ public:
+  explicit usearch_oracle(const re::search_options& options = {}) {
+    UErrorCode status = U_ZERO_ERROR;
+    const bool accents = options.diacritics != re::diacritics_rule::ignore;
+    collator_ = open_collator(accents ? UCOL_SECONDARY : UCOL_PRIMARY, false,
+                              options.ignore_punctuation, status);
+    if (options.match_case) {
+      // The case level at the strength the diacritics rule gives (primary
+      // where diacritics are matched where typed).
+      const bool secondary = options.diacritics == re::diacritics_rule::match;
+      case_collator_ = open_collator(secondary ? UCOL_SECONDARY : UCOL_PRIMARY, true,
+                                     options.ignore_punctuation, status);
+    }
+    if (options.whole_words) words_ = ubrk_open(UBRK_WORD, "", nullptr, 0, &status);
+    root_ = open_collator(UCOL_PRIMARY, false, false, status);
+    if (U_FAILURE(status)) return;
+    static const UChar placeholder[] = {u'x'};
+    search_ = usearch_openFromCollator(placeholder, 1, placeholder, 1, collator_, words_, &status);
+    if (options.diacritics == re::diacritics_rule::match_typed) {
+      usearch_setAttribute(search_, USEARCH_ELEMENT_COMPARISON,
+                           USEARCH_PATTERN_BASE_WEIGHT_IS_WILDCARD, &status);
+    }
+    if (U_FAILURE(status)) search_ = nullptr;
+  }
+  ~usearch_oracle() {
+    if (search_ != nullptr) usearch_close(search_);
+    if (words_ != nullptr) ubrk_close(words_);
+    for (UCollator* collator : {collator_, case_collator_, root_}) {
+      if (collator != nullptr) ucol_close(collator);
+    }
+  }
+  usearch_oracle(const usearch_oracle&) = delete;
+  usearch_oracle& operator=(const usearch_oracle&) = delete;
+
+  bool ready() const { return search_ != nullptr; }
+
+  // Every match of `query` in `text`, forward, without overlap (usearch's
+  // default; with the case level, see above). Sets `failed` if ICU reports an
+  // error.
+  ranges find_all(std::u16string_view query, std::u16string_view text, bool& failed) {
+    ranges out;
+    if (query.empty() || text.empty()) return out;
+    UErrorCode status = U_ZERO_ERROR;
+    usearch_setText(search_, text.data(), static_cast<int32_t>(text.size()), &status);
+    usearch_setPattern(search_, query.data(), static_cast<int32_t>(query.size()), &status);
+    if (case_collator_ == nullptr) {
+      for (int32_t at = usearch_first(search_, &status); U_SUCCESS(status) && at != USEARCH_DONE;
+           at = usearch_next(search_, &status)) {
+        out.emplace_back(static_cast<std::size_t>(at),
+                         static_cast<std::size_t>(at + usearch_getMatchedLength(search_)));
+      }
+    } else {
+      // Overlapping candidates. ICU 72 can give the same position forever (on
+      // some Thai text and emoji sequences), and usearch_following can answer
+      // with a match before the position asked for: the search then goes on
+      // from the first position after the last candidate that gives one.
+      usearch_setAttribute(search_, USEARCH_OVERLAP, USEARCH_ON, &status);
+      const auto size = static_cast<int32_t>(text.size());
+      std::size_t end = 0;
+      int32_t last = -1;
+      for (int32_t at = usearch_first(search_, &status); U_SUCCESS(status) && at != USEARCH_DONE;
+           at = usearch_next(search_, &status)) {
+        for (int32_t from = last + 1; at != USEARCH_DONE && at <= last && from < size; ++from) {
+          at = usearch_following(search_, from, &status);
+        }
+        if (at == USEARCH_DONE || at <= last) break;
+        last = at;
+        const int32_t length = usearch_getMatchedLength(search_);
+        if (static_cast<std::size_t>(at) >= end &&
+            ucol_strcoll(case_collator_, query.data(), static_cast<int32_t>(query.size()),
+                         text.data() + at, length) == UCOL_EQUAL) {
+          out.emplace_back(static_cast<std::size_t>(at), static_cast<std::size_t>(at + length));
+          end = static_cast<std::size_t>(at + length);
+        }
+      }
+      usearch_setAttribute(search_, USEARCH_OVERLAP, USEARCH_OFF, &status);
+    }
+    if (U_FAILURE(status)) failed = true;
+    return out;
+  }
+
+  // Whether the root collator reads `c` as nothing at primary strength.
+  bool ignorable(UChar32 c) const {
+    std::u16string text;
+    append_code_point(text, c);
+    return ucol_strcoll(root_, text.data(), static_cast<int32_t>(text.size()), nullptr, 0) ==
+           UCOL_EQUAL;
+  }
+
+ private:
+  static UCollator* open_collator(UCollationStrength strength, bool case_level, bool shifted,
+                                  UErrorCode& status) {
+    UCollator* collator = ucol_open("", &status);
+    if (U_FAILURE(status)) return nullptr;
+    ucol_setStrength(collator, strength);
+    if (case_level) ucol_setAttribute(collator, UCOL_CASE_LEVEL, UCOL_ON, &status);
+    if (shifted) ucol_setAttribute(collator, UCOL_ALTERNATE_HANDLING, UCOL_SHIFTED, &status);
+    return collator;
+  }
+
+  UCollator* collator_ = nullptr;
+  UCollator* case_collator_ = nullptr;
+  UCollator* root_ = nullptr;
+  UBreakIterator* words_ = nullptr;
+  UStringSearch* search_ = nullptr;
+};
+
+// ---------------------------------------------------------------------------
+// What the comparison leaves out: the differences the header documents.
+
+enum class exclusion {
+  none,
+  contraction_starter,          // Thai/Lao nikhahit, Tibetan U+0F71, U+0FB2, U+0FB3
+  query_ends_in_prevowel,       // the collator swaps a prevowel and its consonant
+  continuation_as_punctuation,  // "shifted": usearch reads part of a long weight as punctuation
+};
+
+inline const char* name_of(exclusion kind) {
+  switch (kind) {
+    case exclusion::contraction_starter:
+      return "a contraction starter";
+    case exclusion::query_ends_in_prevowel:
+      return "a query ending in a prevowel";
+    case exclusion::continuation_as_punctuation:
+      return "a long weight that usearch reads as punctuation";
+    case exclusion::none:
+      break;
+  }
+  return "nothing";
+}
+
+// The root contractions that the per-code-point fold reads as their parts
+// start with one of these (directly, or across marks when discontiguous).
+inline bool has_contraction_starter(std::u16string_view text) {
+  for (const char16_t unit : text) {
+    switch (unit) {
+      case 0x0E4D:
+      case 0x0ECD:
+      case 0x0F71:
+      case 0x0FB2:
+      case 0x0FB3:
+        return true;
+      default:
+        break;
+    }
+  }
+  return false;
+}
+
+// Whether the last character of `query` that the collator does not ignore is a
+// Logical_Order_Exception prevowel (Thai, Lao, New Tai Lue, Tai Viet).
+inline bool ends_in_prevowel(const usearch_oracle& oracle, std::u16string_view query) {
+  const std::vector<UChar32> code_points = code_points_of(query);
+  for (auto it = code_points.rbegin(); it != code_points.rend(); ++it) {
+    if (oracle.ignorable(*it)) continue;
+    return u_hasBinaryProperty(*it, UCHAR_LOGICAL_ORDER_EXCEPTION) != 0;
+  }
+  return false;
+}
+
+// Whether a collation element of `c` has a primary weight too long for one
+// 32-bit order, whose second half usearch compares with the variable top as
+// if it were an element of its own: with "shifted", usearch reads it as
+// punctuation (it finds U+4E00 in U+4E01), where the collator does not.
+inline bool continuation_read_as_punctuation(UChar32 c) {
+  static std::unordered_map<UChar32, bool> known;
+  const auto found = known.find(c);
+  if (found != known.end()) return found->second;
+  UErrorCode status = U_ZERO_ERROR;
+  static UCollator* const root = ucol_open("", &status);
+  static UCollationElements* const elements = ucol_openElements(root, nullptr, 0, &status);
+  static const uint32_t variable_top = ucol_getVariableTop(root, &status);
+  std::u16string text;
+  append_code_point(text, c);
+  ucol_setText(elements, text.data(), static_cast<int32_t>(text.size()), &status);
+  bool read = false;
+  for (int32_t order = ucol_next(elements, &status); order != UCOL_NULLORDER && U_SUCCESS(status);
+       order = ucol_next(elements, &status)) {
+    const auto bits = static_cast<uint32_t>(order);
+    if ((bits & 0xC0) == 0xC0 && bits < variable_top && (bits >> 16) != 0) read = true;
+  }
+  known.emplace(c, read);
+  return read;
+}
+
+inline exclusion excluded(const usearch_oracle& oracle, const re::search_options& options,
+                          std::u16string_view query, std::u16string_view text) {
+  if (has_contraction_starter(query) || has_contraction_starter(text)) {
+    return exclusion::contraction_starter;
+  }
+  if (ends_in_prevowel(oracle, query)) return exclusion::query_ends_in_prevowel;
+  if (options.ignore_punctuation) {
+    // Such a character in the query changes what usearch looks for; in the
+    // text it changes only the accents after it.
+    const bool accents = options.diacritics != re::diacritics_rule::ignore;
+    for (const std::u16string_view side : {query, text}) {
+      if (side == text && !accents) break;
+      for (const UChar32 c : code_points_of(side)) {
+        if (continuation_read_as_punctuation(c)) return exclusion::continuation_as_punctuation;
+      }
+    }
+  }
+  return exclusion::none;
+}
+
+
+// Whether a literal query finds nothing: it folds to nothing, or, where
+// diacritics count and punctuation does not, to accents alone (usearch then
+// reports empty matches; a regex query finds the accents).
+inline bool finds_nothing(const re::search_options& options, std::u16string_view query) {
+  if (re::search_fold(query, options).text().empty()) return true;
+  if (options.diacritics == re::diacritics_rule::ignore || !options.ignore_punctuation) {
+    return false;
+  }
+  re::search_options without_accents = options;
+  without_accents.diacritics = re::diacritics_rule::ignore;
+  return re::search_fold(query, without_accents).text().empty();
+}
+
+}  // namespace scl_regex_test::search_differential
+
+#endif  // SCL_REGEX_TESTS_SUPPORT_USEARCH_ORACLE_H
