@@ -439,6 +439,8 @@ class folder {
     // NFC changed it: the whole segment is one piece.
     const UChar32 first = code_point_at(normalised_.data(), 0, length);
     const int32_t before = out_.size;
+    const bool joins = joins_previous(fold_value::klass(table_.value(first)));
+    bool accents_only = true;  // the segment is what the root reads as nothing at primary strength
     UChar32 previous = previous_;
     const bool shifted_accents = accents_ && table_.variant().shifted;
     bool after_punctuation = shifted_accents && after_variable(start, start);
@@ -455,11 +457,17 @@ class folder {
       if (shifted_accents && !primary_ignorable(c)) {
         after_punctuation = variable(c) || table_.variable_end(c);
       }
+      accents_only = accents_only && (primary_ignorable(c) || (c == middle_dot && is_l(previous)));
       previous = c;
     }
     if (out_.size > before) {
       last_piece_empty_ = false;
-    } else if (!joins_previous(fold_value::klass(table_.value(first)))) {
+      // Accents that a grapheme extender starts: part of the piece before,
+      // as they are without accents.
+      if (accents_only && joins) {
+        for (int32_t unit = before; unit < out_.size; ++unit) out_.origin[unit] = out_.origin[before - 1];
+      }
+    } else if (!joins) {
       empty_piece(start);
     }
     previous_ = code_point_before(text_, end);
