@@ -6,6 +6,7 @@
 
 #include "search/code_points.h"
 #include "search/pattern_text.h"
+#include "search/surrogate_stand_in.h"
 
 namespace scl::regex::detail {
 
@@ -122,6 +123,13 @@ bool cluster_syntax::common(UChar32 letter) const {
 }
 
 void cluster_syntax::append_letter(UChar32 letter, std::u16string& out) const {
+  if (U_IS_SURROGATE(letter)) {  // a lone surrogate, in either form (surrogate_stand_in.h)
+    out += u'[';
+    append_escaped(out, letter);
+    append_escaped(out, surrogate_stand_in(letter));
+    out += u']';
+    return;
+  }
   if (!common(letter) || table_.composite(letter) != nullptr) {
     append_literal_code_point(out, letter);
     return;

@@ -270,25 +270,18 @@ class pattern_folder {
     }
   }
 
-  // Whether folded units [from, to) hold a lone surrogate (which a regex
-  // matches in either form: see emit_code_point).
-  static bool has_lone_surrogate(const folded_text& folded, int32_t from, int32_t to) {
-    for (int32_t at = from; at < to; ++at) {
-      const char16_t unit = folded.units[at];
-      if (!U16_IS_SURROGATE(unit)) continue;
-      if (U16_IS_LEAD(unit) && at + 1 < to && U16_IS_TRAIL(folded.units[at + 1]) &&
-          !folded.false_pair(at + 1)) {
-        ++at;  // a pair
-        continue;
-      }
-      return true;
+  // Whether folded units [from, to) hold two lone surrogates that meet
+  // (which read as a pair; see emit_units).
+  static bool has_false_pair(const folded_text& folded, int32_t from, int32_t to) {
+    for (int32_t at = from + 1; at < to; ++at) {
+      if (folded.false_pair(at)) return true;
     }
     return false;
   }
 
   void emit_units(const folded_text& folded, int32_t from, int32_t to) {
     const std::u16string_view units(folded.units.data() + from, static_cast<std::size_t>(to - from));
-    if (typed_ && from < to && !has_lone_surrogate(folded, from, to)) {
+    if (typed_ && from < to && !has_false_pair(folded, from, to)) {
       std::u16string text;
       if (at_start_ && !clusters_->accent(code_point_at(units.data(), 0, to - from))) {
         // ICU skips the text's accents before a query's first letter: a match

@@ -168,7 +168,10 @@
 //     nor ends with one: "email" finds "e-mail", "E mail" and "e.mail",
 //     "newyork" finds "New York". An accent after punctuation is ignored with
 //     it. A query of punctuation alone finds nothing, and so, with diacritics
-//     matched, does a query of accents alone (as in usearch).
+//     matched, does a query of accents alone (as in usearch). As in usearch, a
+//     match neither starts at nor ends right before a character whose
+//     collation elements start with punctuation ("\u2474", which reads as
+//     "(1)"): "a" is not found in "a\u2474".
 // Options combine freely. search_fold(text, options) folds as the search
 // does: two whole texts fold alike exactly when the collator set up by the
 // options calls them equal (diacritics = match_typed folds as match does).
