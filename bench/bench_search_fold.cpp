@@ -16,8 +16,8 @@
 
 #include <benchmark/benchmark.h>
 #include <unicode/normalizer2.h>
-#include <unicode/ubrk.h>
 #include <unicode/regex.h>
+#include <unicode/ubrk.h>
 #include <unicode/ucol.h>
 #include <unicode/usearch.h>
 #include <unicode/ustring.h>
@@ -199,7 +199,7 @@ class usearch_finder {
                  const re::search_options& options = {}) {
     collator_ = ucol_open("", &status_);
     ucol_setStrength(collator_, options.diacritics == re::diacritics_rule::ignore ? UCOL_PRIMARY
-                                                                                : UCOL_SECONDARY);
+                                                                                  : UCOL_SECONDARY);
     if (options.ignore_punctuation) {
       ucol_setAttribute(collator_, UCOL_ALTERNATE_HANDLING, UCOL_SHIFTED, &status_);
     }

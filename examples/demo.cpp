@@ -56,8 +56,8 @@ void search_folding() {
               matches(re::search_pattern(u"lodz"), city).c_str());
   const re::search_pattern street(u"(\\w+)stra\u00dfe", re::query_syntax::regex);
   const std::u16string streets = u"Hauptstrasse 5, K\u00f6nigstra\u00dfe 12";
-  std::printf("  the regex query \"(\\w+)stra\u00dfe\" finds in \"%s\":%s\n",
-              utf8(streets).c_str(), matches(street, streets).c_str());
+  std::printf("  the regex query \"(\\w+)stra\u00dfe\" finds in \"%s\":%s\n", utf8(streets).c_str(),
+              matches(street, streets).c_str());
   std::printf("  and rewrites them with \"$1 St.\": \"%s\"\n",
               utf8(street.replace_all(streets, u"$1 St.")).c_str());
 

@@ -23,9 +23,8 @@
 //   $ printf 'Stra\xc3\x9f\x65 and Gasse\n' | scl_regex_search_box --regex '\w*(strasse|gasse)'
 //   1: [Straße] and [Gasse]
 //   2 matches in 1 line
-//   $ printf 'caf\xc3\xa9, cafe, CAF\xc3\x89\n' | scl_regex_search_box --match-typed-diacritics 'café'
-//   1: [café], cafe, [CAFÉ]
-//   2 matches in 1 line
+//   $ printf 'caf\xc3\xa9, cafe, CAF\xc3\x89\n' | scl_regex_search_box --match-typed-diacritics
+//   'café' 1: [café], cafe, [CAFÉ] 2 matches in 1 line
 //
 // Only the UTF-8 interface is used: positions are byte offsets in the line.
 #include <cstdio>

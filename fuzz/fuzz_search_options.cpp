@@ -68,7 +68,8 @@ void check_rejected(const std::u16string& query, const re::search_options& optio
       thrown = e.getErrorCodeMnemonic() == "U_ILLEGAL_ARGUMENT_ERROR";
     }
     FUZZ_CHECK(thrown);
-    const std::optional<re::pattern_error> error = re::search_pattern::check(query, syntax, options);
+    const std::optional<re::pattern_error> error =
+        re::search_pattern::check(query, syntax, options);
     FUZZ_CHECK(error.has_value() && error->offset == re::npos &&
                error->error.getErrorCodeMnemonic() == "U_ILLEGAL_ARGUMENT_ERROR");
   }
@@ -95,11 +96,13 @@ bool comparable(const std::u16string& text) {
 
 // One oracle per option set, made at its first use.
 scl_regex_test::search_differential::usearch_oracle& oracle_for(std::uint8_t bits,
-                                                               const re::search_options& options) {
-  static std::map<std::uint8_t, std::unique_ptr<scl_regex_test::search_differential::usearch_oracle>>
+                                                                const re::search_options& options) {
+  static std::map<std::uint8_t,
+                  std::unique_ptr<scl_regex_test::search_differential::usearch_oracle>>
       oracles;
   auto& oracle = oracles[bits];
-  if (!oracle) oracle = std::make_unique<scl_regex_test::search_differential::usearch_oracle>(options);
+  if (!oracle)
+    oracle = std::make_unique<scl_regex_test::search_differential::usearch_oracle>(options);
   return *oracle;
 }
 

@@ -139,7 +139,7 @@ inline ranges in_units(const ranges& bytes, const decoded& text) {
 
 // Property 5: `bytes` searched as UTF-8 finds what its decoding finds as UTF-16.
 inline void check_utf8(const re::search_pattern& pattern, const std::string& bytes,
-                const std::string& replacement, UBreakIteratorType starts = UBRK_CHARACTER) {
+                       const std::string& replacement, UBreakIteratorType starts = UBRK_CHARACTER) {
   const decoded text = decode(bytes);
   const ranges as_utf16 = search(pattern, text.text, decode(replacement).text);
   check_boundaries(text.text, as_utf16, starts);

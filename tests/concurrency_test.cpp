@@ -129,17 +129,17 @@ TEST(ConcurrentSearchFolding, OnePatternWithOptionsSharedByEveryThread) {
     options.diacritics = static_cast<re::diacritics_rule>((index >> 3) % 3);
     return options;
   };
-  EXPECT_EQ(scl_regex_test::run_on_threads(24, 1,
-                           [&](int t, int) {
-                             const re::search_options options = options_of(t);
-                             const re::search_pattern literal(u"Caf\u00e9", re::query_syntax::literal,
-                                                              options);
-                             const re::search_pattern regex(u"C[a\u00e0]f\\w+",
-                                                            re::query_syntax::regex, options);
-                             const std::u16string text = u"un Caf\u00e9, deux";
-                             return (literal.found_in(text) ? 0 : 1) + (regex.found_in(text) ? 0 : 1);
-                           }),
-            0);
+  EXPECT_EQ(
+      scl_regex_test::run_on_threads(
+          24, 1,
+          [&](int t, int) {
+            const re::search_options options = options_of(t);
+            const re::search_pattern literal(u"Caf\u00e9", re::query_syntax::literal, options);
+            const re::search_pattern regex(u"C[a\u00e0]f\\w+", re::query_syntax::regex, options);
+            const std::u16string text = u"un Caf\u00e9, deux";
+            return (literal.found_in(text) ? 0 : 1) + (regex.found_in(text) ? 0 : 1);
+          }),
+      0);
   re::search_options options;
   options.match_case = true;
   options.diacritics = re::diacritics_rule::match_typed;

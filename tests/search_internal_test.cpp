@@ -61,11 +61,14 @@ TEST(FoldTable, BuiltInIsWhatTheRunningIcuGives) {
                               as_vector(data::case_composites, data::case_composite_count)));
 
   // Tables loaded from the rebuilt image read the same values.
-  const detail::fold_table_lists lists{
-      image.prevowel_pairs.data(), image.prevowel_pairs.size(), image.dropped_starts.data(),
-      image.dropped_starts.size(), image.variable_ends.data(),  image.variable_ends.size(),
-      {image.composites[0].data(), image.composites[1].data()},
-      {image.composites[0].size(), image.composites[1].size()}};
+  const detail::fold_table_lists lists{image.prevowel_pairs.data(),
+                                       image.prevowel_pairs.size(),
+                                       image.dropped_starts.data(),
+                                       image.dropped_starts.size(),
+                                       image.variable_ends.data(),
+                                       image.variable_ends.size(),
+                                       {image.composites[0].data(), image.composites[1].data()},
+                                       {image.composites[0].size(), image.composites[1].size()}};
   for (int index = 0; index < detail::fold_variant::count; ++index) {
     SCOPED_TRACE("variant " + std::to_string(index));
     const detail::fold_variant variant = detail::fold_variant::at(index);
@@ -105,10 +108,11 @@ TEST(FoldTable, KnowsWhatMixesPunctuationAndWhatStandsForSeveralElements) {
   const detail::composite_unit* dot = accents.composite(detail::dot_accent);
   ASSERT_NE(dot, nullptr);
   EXPECT_EQ(dot->count, 1U);
-  EXPECT_EQ(dot->primaries[0], 0U);  // an accent
+  EXPECT_EQ(dot->primaries[0], 0U);              // an accent
   EXPECT_EQ(accents.composite(0x140), nullptr);  // "\u0140" folds to "l" and the dot
   // With case, the capital sharp s has its own, of capital letters.
-  const detail::composite_unit* capital = detail::fold_table::get({true, true, false}).composite(0x1E9E);
+  const detail::composite_unit* capital =
+      detail::fold_table::get({true, true, false}).composite(0x1E9E);
   ASSERT_NE(capital, nullptr);
   EXPECT_EQ(capital->primaries[0], U'S');
   EXPECT_EQ(accents.composite(0x1E9E), nullptr);

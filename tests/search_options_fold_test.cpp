@@ -77,8 +77,8 @@ std::vector<fold_case> fold_cases() {
         options.match_case = match_case;
         options.diacritics = accents ? re::diacritics_rule::match : re::diacritics_rule::ignore;
         options.ignore_punctuation = punctuation;
-        cases.push_back({std::string(match_case ? "case" : "nocase") +
-                             (accents ? "_accents" : "") + (punctuation ? "_punctuation" : ""),
+        cases.push_back({std::string(match_case ? "case" : "nocase") + (accents ? "_accents" : "") +
+                             (punctuation ? "_punctuation" : ""),
                          options});
       }
     }
@@ -180,7 +180,8 @@ TEST_P(FoldWithOptions, TextsFoldAlikeExactlyWhenTheCollatorCallsThemEqual) {
     b = nfc(b);
     ++pairs;
     const bool collator_equal = equal(collator.get(), a, b);
-    const bool folds_alike = re::search_fold(a, options).text() == re::search_fold(b, options).text();
+    const bool folds_alike =
+        re::search_fold(a, options).text() == re::search_fold(b, options).text();
     equal_pairs += collator_equal ? 1 : 0;
     if (collator_equal != folds_alike && ++failures <= 10) {
       ADD_FAILURE() << scl_regex_test::hex(a) << "and " << scl_regex_test::hex(b)

@@ -46,8 +46,7 @@ bool finds(std::u16string_view query, std::u16string_view text, const re::search
   return re::search_pattern(query, syntax, options).found_in(text);
 }
 
-ranges find(std::u16string_view query, std::u16string_view text,
-            const re::search_options& options,
+ranges find(std::u16string_view query, std::u16string_view text, const re::search_options& options,
             re::query_syntax syntax = re::query_syntax::literal) {
   return find(re::search_pattern(query, syntax, options), text);
 }
@@ -86,9 +85,9 @@ TEST(SearchOptions, TheFormsWithoutOptionsSearchWithDefaultOnes) {
   EXPECT_EQ(find(re::search_pattern(u"r.sum", re::query_syntax::regex), text),
             find(u"r.sum", text, re::search_options{}, re::query_syntax::regex));
   EXPECT_EQ(re::search_fold(text).text(), re::search_fold(text, re::search_options{}).text());
-  EXPECT_EQ(re::search_pattern::check(u"(", re::query_syntax::regex)->description,
-            re::search_pattern::check(u"(", re::query_syntax::regex, re::search_options{})
-                ->description);
+  EXPECT_EQ(
+      re::search_pattern::check(u"(", re::query_syntax::regex)->description,
+      re::search_pattern::check(u"(", re::query_syntax::regex, re::search_options{})->description);
 }
 
 // An options value out of range (a cast enumerator) throws regex_exception
@@ -105,7 +104,8 @@ TEST(SearchOptions, AnOptionsValueOutOfRangeIsAnError) {
     }
     EXPECT_THROW(re::search_pattern("x", syntax, bad), re::regex_exception);
     for (const std::optional<re::pattern_error>& error :
-         {re::search_pattern::check(u"x", syntax, bad), re::search_pattern::check("x", syntax, bad)}) {
+         {re::search_pattern::check(u"x", syntax, bad),
+          re::search_pattern::check("x", syntax, bad)}) {
       ASSERT_TRUE(error.has_value());
       EXPECT_EQ(error->error.getErrorCodeMnemonic(), "U_ILLEGAL_ARGUMENT_ERROR");
       EXPECT_EQ(error->offset, re::npos);
@@ -113,9 +113,9 @@ TEST(SearchOptions, AnOptionsValueOutOfRangeIsAnError) {
     }
   }
   // Even a query that is wrong itself: the options are read first.
-  EXPECT_EQ(re::search_pattern::check(u"(", re::query_syntax::regex, bad)
-                ->error.getErrorCodeMnemonic(),
-            "U_ILLEGAL_ARGUMENT_ERROR");
+  EXPECT_EQ(
+      re::search_pattern::check(u"(", re::query_syntax::regex, bad)->error.getErrorCodeMnemonic(),
+      "U_ILLEGAL_ARGUMENT_ERROR");
   try {
     static_cast<void>(re::search_fold(u"x", bad));
     FAIL() << "search_fold accepted it";
@@ -144,8 +144,10 @@ TEST(SearchOptions, CheckAcceptsGoodOptionsAsTheConstructorDoes) {
   const re::search_options options = with(true, re::diacritics_rule::match, true, true);
   EXPECT_FALSE(re::search_pattern::check(u"x", re::query_syntax::literal, options));
   EXPECT_FALSE(re::search_pattern::check(u"[a-z]+", re::query_syntax::regex, options));
-  const std::optional<re::pattern_error> error =
-      re::search_pattern::check("stra\xc3\x9f" "e(", re::query_syntax::regex, options);
+  const std::optional<re::pattern_error> error = re::search_pattern::check(
+      "stra\xc3\x9f"
+      "e(",
+      re::query_syntax::regex, options);
   ASSERT_TRUE(error.has_value());
   EXPECT_EQ(error->offset, 8U);  // bytes, as without options
 }
@@ -245,9 +247,10 @@ TEST(Combined, EveryToggleAtOnce) {
   EXPECT_EQ(find(u"NewYork", u"in New-York.", all), (ranges{{3, 11}}));
   EXPECT_FALSE(finds(u"newyork", u"in New-York.", all));    // case
   EXPECT_FALSE(finds(u"NewYork", u"in New-Yorker.", all));  // whole words
-  EXPECT_TRUE(finds(u"Cafe", u"Caf\u00e9!", all));           // typed: any accent
+  EXPECT_TRUE(finds(u"Cafe", u"Caf\u00e9!", all));          // typed: any accent
   EXPECT_FALSE(finds(u"Caf\u00e9", u"Cafe!", all));
-  const re::search_options accents_punctuation = with(false, re::diacritics_rule::match, false, true);
+  const re::search_options accents_punctuation =
+      with(false, re::diacritics_rule::match, false, true);
   EXPECT_TRUE(finds(u"ecole", u"\u00e9-cole e-cole", accents_punctuation));
   EXPECT_EQ(find(u"ecole", u"\u00e9-cole e-cole", accents_punctuation), (ranges{{7, 13}}));
 }
@@ -267,7 +270,8 @@ TEST(SearchFoldWithOptions, WholeTextsFoldAlikeExactlyWhenTheCollatorCallsThemEq
   EXPECT_TRUE(alike(u"e-mail", u"E mail", kPunctuation));
   // Diacritics matched where typed fold as diacritics matched; whole words
   // change no fold.
-  EXPECT_EQ(re::search_fold(u"Caf\u00e9", kTyped).text(), re::search_fold(u"Caf\u00e9", kMatch).text());
+  EXPECT_EQ(re::search_fold(u"Caf\u00e9", kTyped).text(),
+            re::search_fold(u"Caf\u00e9", kMatch).text());
   EXPECT_EQ(re::search_fold(u"a cat", kWords).text(), re::search_fold(u"a cat").text());
 }
 
@@ -350,7 +354,8 @@ TEST(RegexWithOptions, AClassMatchesTheFoldOfOneOfItsMembersUnderTheOptions) {
   // A negated class matches any other letter with its accents; "." one.
   EXPECT_EQ(find(u"caf[^e]", u"caf\u00e9 cafe", kMatch, regex), (ranges{{0, 4}}));
   EXPECT_EQ(find(u"caf.", u"caf\u00e9", kMatch, regex), (ranges{{0, 4}}));
-  EXPECT_EQ(find(u"\\w+", u"cr\u00e8me br\u00fbl\u00e9e", kMatch, regex), (ranges{{0, 5}, {6, 12}}));
+  EXPECT_EQ(find(u"\\w+", u"cr\u00e8me br\u00fbl\u00e9e", kMatch, regex),
+            (ranges{{0, 5}, {6, 12}}));
   // Where typed, a letter of the class matches it with any accent.
   EXPECT_TRUE(finds(u"caf[e]", u"caf\u00e9", kTyped, regex));
   EXPECT_FALSE(finds(u"caf[\u00e9]", u"cafe", kTyped, regex));
@@ -403,8 +408,10 @@ TEST(HeaderExample, TheTogglesGiveWhatItSays) {
   const re::search_pattern ny(u"NewYork", re::query_syntax::literal, options);
   EXPECT_EQ(find(ny, std::u16string_view(u"New York, New-York, newyork, NewYorker")),
             (ranges{{0, 8}, {10, 18}}));
-  EXPECT_TRUE(re::search_pattern(u"Cafe", re::query_syntax::literal, options).found_in(u"Caf\u00e9"));
-  EXPECT_FALSE(re::search_pattern(u"Caf\u00e9", re::query_syntax::literal, options).found_in(u"Cafe"));
+  EXPECT_TRUE(
+      re::search_pattern(u"Cafe", re::query_syntax::literal, options).found_in(u"Caf\u00e9"));
+  EXPECT_FALSE(
+      re::search_pattern(u"Caf\u00e9", re::query_syntax::literal, options).found_in(u"Cafe"));
   // And the fold the header describes.
   EXPECT_EQ(re::search_fold(u"\u00c9", kMatchCase).text(), u"E");
   EXPECT_EQ(re::search_fold(u"\u0142", kMatch).text(), u"l\u0335");
@@ -418,7 +425,8 @@ TEST(HeaderExample, TheTogglesGiveWhatItSays) {
   EXPECT_FALSE(finds(u"\u3042", u"\u3041", kMatchCase));
   EXPECT_FALSE(finds(u"ss", u"\u00df", kMatch));
   // An accent after punctuation is ignored with it; accents alone find nothing.
-  const re::search_options accents_punctuation = with(false, re::diacritics_rule::match, false, true);
+  const re::search_options accents_punctuation =
+      with(false, re::diacritics_rule::match, false, true);
   EXPECT_TRUE(finds(u"ea", u"e-\u0301a", accents_punctuation));
   EXPECT_FALSE(finds(u"\u0301", u"e\u0301 \u0301", accents_punctuation));
   EXPECT_TRUE(finds(u"\u0301", u"\n\u0301", kMatch));

@@ -105,14 +105,15 @@ INSTANTIATE_TEST_SUITE_P(Options, EveryCombination, testing::ValuesIn(every_comb
 // half of a long primary weight as punctuation where it falls below the
 // variable top; search folding follows the collator.
 TEST(OptionsDocumentedDifferences, UsearchReadsHalfALongWeightAsPunctuation) {
-  const re::search_options punctuation = make_options(false, re::diacritics_rule::ignore, false, true);
+  const re::search_options punctuation =
+      make_options(false, re::diacritics_rule::ignore, false, true);
   usearch_oracle oracle(punctuation);
   ASSERT_TRUE(oracle.ready());
   bool failed = false;
   // U+4E00 in U+4E01: usearch finds it, the collator calls them apart.
   EXPECT_EQ(oracle.find_all(u"\u4e00", u"\u4e01", failed), (ranges{{0, 1}}));
-  EXPECT_FALSE(re::search_pattern(u"\u4e00", re::query_syntax::literal, punctuation)
-                   .found_in(u"\u4e01"));
+  EXPECT_FALSE(
+      re::search_pattern(u"\u4e00", re::query_syntax::literal, punctuation).found_in(u"\u4e01"));
   EXPECT_NE(re::search_fold(u"\u4e00", punctuation).text(),
             re::search_fold(u"\u4e01", punctuation).text());
   EXPECT_TRUE(continuation_read_as_punctuation(0x4E00));
@@ -121,8 +122,8 @@ TEST(OptionsDocumentedDifferences, UsearchReadsHalfALongWeightAsPunctuation) {
   const re::search_options accents = make_options(false, re::diacritics_rule::match, false, true);
   usearch_oracle accent_oracle(accents);
   EXPECT_EQ(accent_oracle.find_all(u"\u4e00\u0301", u"\u4e00", failed), (ranges{{0, 1}}));
-  EXPECT_FALSE(re::search_pattern(u"\u4e00\u0301", re::query_syntax::literal, accents)
-                   .found_in(u"\u4e00"));
+  EXPECT_FALSE(
+      re::search_pattern(u"\u4e00\u0301", re::query_syntax::literal, accents).found_in(u"\u4e00"));
   EXPECT_FALSE(failed);
 }
 
@@ -131,7 +132,8 @@ TEST(OptionsDocumentedDifferences, UsearchReadsHalfALongWeightAsPunctuation) {
 // before a character whose elements start with punctuation ("\u2474" is
 // "(1)"), and accents alone find nothing.
 TEST(OptionsAsUsearch, CharactersThatStartWithPunctuationAndAccentsAlone) {
-  const re::search_options punctuation = make_options(false, re::diacritics_rule::ignore, false, true);
+  const re::search_options punctuation =
+      make_options(false, re::diacritics_rule::ignore, false, true);
   usearch_oracle oracle(punctuation);
   bool failed = false;
   for (const auto& [query, text] : {std::pair<std::u16string, std::u16string>{u"a", u"a\u2474"},
@@ -139,14 +141,16 @@ TEST(OptionsAsUsearch, CharactersThatStartWithPunctuationAndAccentsAlone) {
                                     {u"1", u"\u2474"},
                                     {u"\u2474", u"1"},
                                     {u"1", u"\u2488b"}}) {
-    EXPECT_EQ(ranges_of(re::search_pattern(query, re::query_syntax::literal, punctuation)
-                            .find_all(text)),
-              oracle.find_all(query, text, failed))
+    EXPECT_EQ(
+        ranges_of(re::search_pattern(query, re::query_syntax::literal, punctuation).find_all(text)),
+        oracle.find_all(query, text, failed))
         << hex(query) << " in " << hex(text);
   }
-  EXPECT_FALSE(re::search_pattern(u"a", re::query_syntax::literal, punctuation).found_in(u"a\u2474"));
+  EXPECT_FALSE(
+      re::search_pattern(u"a", re::query_syntax::literal, punctuation).found_in(u"a\u2474"));
   const re::search_options accents = make_options(false, re::diacritics_rule::match, false, true);
-  EXPECT_FALSE(re::search_pattern(u"\u0301", re::query_syntax::literal, accents).found_in(u"\n\u0301"));
+  EXPECT_FALSE(
+      re::search_pattern(u"\u0301", re::query_syntax::literal, accents).found_in(u"\n\u0301"));
   EXPECT_FALSE(failed);
 }
 

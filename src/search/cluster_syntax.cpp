@@ -11,7 +11,7 @@
 namespace scl::regex::detail {
 
 struct cluster_syntax::alphabet {
-  code_point_bits accents;  // the accents of folded text
+  code_point_bits accents;     // the accents of folded text
   std::u16string any_accents;  // pattern text: any accents, or none
   // For a letter with the common secondary weight, the other letters of
   // folded text that fold to it without accents ("\u00f0" for "d").
@@ -62,7 +62,8 @@ const cluster_syntax::alphabet& cluster_syntax::alphabet_of(const fold_table& ta
     for (UChar32 c = 0; c < code_point_bits::limit;) {
       std::uint32_t value = 0;
       const UChar32 end = letters.fold_run(c, value);
-      if (fold_value::kind(value) != fold_kind::self && fold_value::kind(value) != fold_kind::nothing) {
+      if (fold_value::kind(value) != fold_kind::self &&
+          fold_value::kind(value) != fold_kind::nothing) {
         for (UChar32 k = folds.next(c, true); k <= end; k = folds.next(k + 1, true)) {
           UChar32 letter = 0;
           if (!result->accents.test(k) && table.composite(k) == nullptr &&
@@ -92,9 +93,9 @@ void cluster_syntax::append_accent(UChar32 accent, std::u16string& out) const {
     fold_table::get(table_.variant().without_case()).append_fold(accent, fold);
     int32_t at = 0;
     const auto length = static_cast<int32_t>(fold.size());
-    const auto same = length == 0 ? alphabet_.same_accents.end()
-                                  : alphabet_.same_accents.find(
-                                        next_code_point(fold.data(), at, length));
+    const auto same = length == 0
+                          ? alphabet_.same_accents.end()
+                          : alphabet_.same_accents.find(next_code_point(fold.data(), at, length));
     if (same != alphabet_.same_accents.end() && same->second.size() > 1) {
       out += u'[';
       for (const UChar32 c : same->second) append_literal_code_point(out, c);
@@ -166,7 +167,8 @@ const code_point_bits& cluster_syntax::accents_of(const fold_table& table) {
 int cluster_syntax::append_literal(std::u16string_view units, std::u16string& out) const {
   if (!typed_) {
     const auto size = static_cast<int32_t>(units.size());
-    for (int32_t at = 0; at < size;) append_literal_code_point(out, next_code_point(units.data(), at, size));
+    for (int32_t at = 0; at < size;)
+      append_literal_code_point(out, next_code_point(units.data(), at, size));
     return -1;
   }
   struct item {
@@ -193,14 +195,15 @@ int cluster_syntax::append_literal(std::u16string_view units, std::u16string& ou
         std::u16string fold;
         if (!it.accent) letters.append_fold(it.unit, fold);
         std::u16string primary;
-        if (unit->primaries[j] != 0) append_code_point(primary, static_cast<UChar32>(unit->primaries[j]));
+        if (unit->primaries[j] != 0)
+          append_code_point(primary, static_cast<UChar32>(unit->primaries[j]));
         fits = unit->primaries[j] != 0 && !it.accent && common(it.unit) && fold == primary;
       }
       if (fits) return unit;
     }
     return nullptr;
   };
-  bool open = false;  // a letter's accents may follow
+  bool open = false;      // a letter's accents may follow
   int typed_accents = 0;  // accents typed after the last letter
   for (std::size_t i = 0; i < items.size();) {
     if (items[i].accent) {
@@ -265,7 +268,8 @@ void cluster_syntax::append_members(const class_set& set, std::u16string& out) c
           continue;
         }
         bool cluster = true;
-        for (int32_t k = at; k < length && cluster;) cluster = accent(next_code_point(units, k, length));
+        for (int32_t k = at; k < length && cluster;)
+          cluster = accent(next_code_point(units, k, length));
         if (cluster && accent(head)) {
           accents_alone.emplace_back(units, static_cast<std::size_t>(length));
         } else if (cluster) {
@@ -308,13 +312,15 @@ void cluster_syntax::append_members(const class_set& set, std::u16string& out) c
     next_alternative();
     append_set(letters, out);
     for (int32_t at = 0; at < static_cast<int32_t>(accents.size());) {
-      append_literal_code_point(out, next_code_point(accents.data(), at, static_cast<int32_t>(accents.size())));
+      append_literal_code_point(
+          out, next_code_point(accents.data(), at, static_cast<int32_t>(accents.size())));
     }
   }
   for (const std::u16string& accents : accents_alone) {
     next_alternative();
     for (int32_t at = 0; at < static_cast<int32_t>(accents.size());) {
-      append_literal_code_point(out, next_code_point(accents.data(), at, static_cast<int32_t>(accents.size())));
+      append_literal_code_point(
+          out, next_code_point(accents.data(), at, static_cast<int32_t>(accents.size())));
     }
   }
   // No more accents after the cluster: a letter alone is not the letter with

@@ -19,8 +19,12 @@ class code_point_bits {
   static constexpr UChar32 limit = 0x110000;
 
   void set(UChar32 first, UChar32 last);
-  void clear(UChar32 c) { words_[static_cast<std::size_t>(c >> 6)] &= ~(std::uint64_t{1} << (c & 63)); }
-  bool test(UChar32 c) const { return (words_[static_cast<std::size_t>(c >> 6)] >> (c & 63) & 1) != 0; }
+  void clear(UChar32 c) {
+    words_[static_cast<std::size_t>(c >> 6)] &= ~(std::uint64_t{1} << (c & 63));
+  }
+  bool test(UChar32 c) const {
+    return (words_[static_cast<std::size_t>(c >> 6)] >> (c & 63) & 1) != 0;
+  }
   // The first code point from `from` whose bit is `value`, or `limit`.
   UChar32 next(UChar32 from, bool value) const;
   // Whether any bit of [first, last] is set.

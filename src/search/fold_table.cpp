@@ -87,8 +87,8 @@ const fold_table& fold_table::get(fold_variant variant) {
     const bool embedded = set.image.tables[index].trie.empty();
     const std::uint8_t* trie =
         embedded ? fold_table_data::tables[index].trie : set.image.tables[index].trie.data();
-    const std::size_t trie_size = embedded ? fold_table_data::tables[index].trie_size
-                                           : set.image.tables[index].trie.size();
+    const std::size_t trie_size =
+        embedded ? fold_table_data::tables[index].trie_size : set.image.tables[index].trie.size();
     const char16_t* pool =
         embedded ? fold_table_data::tables[index].pool : set.image.tables[index].pool.c_str();
     UErrorCode status = U_ZERO_ERROR;
@@ -209,10 +209,9 @@ const composite_unit* fold_table::composite(UChar32 unit) const {
   const int list = variant_.case_level ? 1 : 0;
   const composite_unit* begin = lists_->composites[list];
   const composite_unit* end = begin + lists_->composite_count[list];
-  const composite_unit* it =
-      std::lower_bound(begin, end, unit, [](const composite_unit& u, UChar32 c) {
-        return static_cast<UChar32>(u.unit) < c;
-      });
+  const composite_unit* it = std::lower_bound(
+      begin, end, unit,
+      [](const composite_unit& u, UChar32 c) { return static_cast<UChar32>(u.unit) < c; });
   return it != end && static_cast<UChar32>(it->unit) == unit ? it : nullptr;
 }
 

@@ -165,17 +165,17 @@ class representatives {
 
   // Makes `c` the representative of `key`, which has none.
   void assign(element_key key, UChar32 c) {
-    const auto it = std::lower_bound(
-        entries_.begin(), entries_.end(), key,
-        [](const std::pair<element_key, UChar32>& entry, element_key k) { return entry.first < k; });
+    const auto it = std::lower_bound(entries_.begin(), entries_.end(), key,
+                                     [](const std::pair<element_key, UChar32>& entry,
+                                        element_key k) { return entry.first < k; });
     entries_.insert(it, {key, c});
   }
 
   // The representative of `key`, or -1 if no code point is that key alone.
   UChar32 of(element_key key) const {
-    const auto it = std::lower_bound(
-        entries_.begin(), entries_.end(), key,
-        [](const std::pair<element_key, UChar32>& entry, element_key k) { return entry.first < k; });
+    const auto it = std::lower_bound(entries_.begin(), entries_.end(), key,
+                                     [](const std::pair<element_key, UChar32>& entry,
+                                        element_key k) { return entry.first < k; });
     return it != entries_.end() && it->first == key ? it->second : -1;
   }
 
@@ -288,7 +288,8 @@ UErrorCode prevowel_contractions(const UCollator* collator, const UNormalizer2* 
     UChar32 low = 0;
     UChar32 high = 0;
     UChar buffer[32];
-    const int32_t length = uset_getItem(contractions.getAlias(), i, &low, &high, buffer, 32, &status);
+    const int32_t length =
+        uset_getItem(contractions.getAlias(), i, &low, &high, buffer, 32, &status);
     if (U_FAILURE(status)) return status;
     if (length < 2) continue;
     int32_t at = 0;
@@ -369,9 +370,8 @@ UErrorCode build_variant(const element_table& table, const element_reader& reade
     if (std::all_of(keys.begin(), keys.end(), [&](element_key k) { return reps.of(k) >= 0; })) {
       continue;
     }
-    const bool common = std::all_of(table.begin(c), table.end(c), [&](const collation_element& e) {
-      return reader.common(e);
-    });
+    const bool common = std::all_of(table.begin(c), table.end(c),
+                                    [&](const collation_element& e) { return reader.common(e); });
     const auto candidate = std::make_pair(!common, c);
     auto [it, inserted] = wholes.emplace(keys, candidate);
     if (!inserted && candidate < it->second) it->second = candidate;
@@ -498,11 +498,11 @@ UErrorCode build_fold_tables(fold_tables_image& image) {
     const fold_variant variant = fold_variant::at(index);
     // (The tables with "shifted" have the same composite units.)
     const bool lists_composites = variant.accents && !variant.shifted;
-    status = build_variant(
-        table, element_reader(variant, variable_top), bits,
-        image.tables[static_cast<std::size_t>(index)],
-        variant.case_level ? &primary_case : &primary,
-        lists_composites ? &image.composites[variant.case_level ? 1 : 0] : nullptr);
+    status =
+        build_variant(table, element_reader(variant, variable_top), bits,
+                      image.tables[static_cast<std::size_t>(index)],
+                      variant.case_level ? &primary_case : &primary,
+                      lists_composites ? &image.composites[variant.case_level ? 1 : 0] : nullptr);
     if (U_FAILURE(status)) return status;
   }
 

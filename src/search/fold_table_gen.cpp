@@ -89,11 +89,11 @@ int main(int argc, char** argv) {
   write_array(out, "char32_t", "variable_ends", image.variable_ends, 12, "variable_end_count",
               code_point);
   auto write_composite = [&](const composite_unit& unit) {
-                out << '{' << static_cast<unsigned long>(unit.unit) << ", " << unit.count << ", {";
-                for (int i = 0; i < composite_unit::max_elements; ++i) {
-                  out << (i != 0 ? ", " : "") << static_cast<unsigned long>(unit.primaries[i]);
-                }
-                out << "}, " << unit.common_secondary << '}';
+    out << '{' << static_cast<unsigned long>(unit.unit) << ", " << unit.count << ", {";
+    for (int i = 0; i < composite_unit::max_elements; ++i) {
+      out << (i != 0 ? ", " : "") << static_cast<unsigned long>(unit.primaries[i]);
+    }
+    out << "}, " << unit.common_secondary << '}';
   };
   write_array(out, "composite_unit", "composites", image.composites[0], 1, "composite_count",
               write_composite);

@@ -465,7 +465,8 @@ class folder {
       // Accents that a grapheme extender starts: part of the piece before,
       // as they are without accents.
       if (accents_only && joins) {
-        for (int32_t unit = before; unit < out_.size; ++unit) out_.origin[unit] = out_.origin[before - 1];
+        for (int32_t unit = before; unit < out_.size; ++unit)
+          out_.origin[unit] = out_.origin[before - 1];
       }
     } else if (!joins) {
       empty_piece(start);

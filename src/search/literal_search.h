@@ -37,7 +37,7 @@ struct literal_query {
 
 // A literal search: the folded query, and what options add to its matches.
 struct literal_search {
-  const fold_table& table;   // the fold of the text and the query
+  const fold_table& table;  // the fold of the text and the query
   const literal_query& query;
   const typed_accents* accents;  // diacritics matched where typed: each match's check
   match_policy policy;

@@ -49,7 +49,10 @@ class match_rules {
  public:
   match_rules(const fold_table& table, const Unit* source, const folded_text& folded,
               match_policy policy = {})
-      : table_(table), source_(source), size_(folded.source_size), folded_(folded),
+      : table_(table),
+        source_(source),
+        size_(folded.source_size),
+        folded_(folded),
         policy_(policy) {}
 
   // Whether folded units [start, end) (start < end) make a match, and where

@@ -217,8 +217,8 @@ class pattern_folder {
     emit_units(folded, 0, last_piece);
     if (quantified) {
       int32_t at = last_piece;
-      const bool one_code_point = !typed_ && at < size &&
-                                  (next_code_point(folded.units.data(), at, size), at == size);
+      const bool one_code_point =
+          !typed_ && at < size && (next_code_point(folded.units.data(), at, size), at == size);
       const int32_t origin = last_piece < size
                                  ? run_origin_[static_cast<std::size_t>(folded.origin[last_piece])]
                                  : run_origin_.back();
@@ -280,7 +280,8 @@ class pattern_folder {
   }
 
   void emit_units(const folded_text& folded, int32_t from, int32_t to) {
-    const std::u16string_view units(folded.units.data() + from, static_cast<std::size_t>(to - from));
+    const std::u16string_view units(folded.units.data() + from,
+                                    static_cast<std::size_t>(to - from));
     if (typed_ && from < to && !has_false_pair(folded, from, to)) {
       std::u16string text;
       if (at_start_ && !clusters_->accent(code_point_at(units.data(), 0, to - from))) {
@@ -429,9 +430,9 @@ class pattern_folder {
   }
 
   const fold_table& table_;
-  bool typed_;                                  // diacritics matched where typed
+  bool typed_;      // diacritics matched where typed
   bool dot_apart_;  // with case: no match starts at the dot of "l\u00b7" (typed_accents.h)
-  std::optional<cluster_syntax> clusters_;      // with accents
+  std::optional<cluster_syntax> clusters_;  // with accents
   std::u16string_view pattern_;
   pattern_lexer lexer_;
   std::vector<flags> scopes_;
@@ -439,7 +440,7 @@ class pattern_folder {
   std::vector<int32_t> run_origin_;  // for each unit of run_, its offset in the pattern
   bool after_back_reference_ = false;
   bool anything_emitted_ = false;  // syntax dropped (a comment) counts as nothing
-  int typed_ending_ = -1;  // what was emitted last ends with a letter and this many accents
+  int typed_ending_ = -1;          // what was emitted last ends with a letter and this many accents
   bool at_start_ = true;           // nothing but group openings emitted yet
   bool only_literals_ = true;
   bool top_level_alternation_ = false;

@@ -56,8 +56,8 @@ int32_t typed_end(const folded_text& folded, const typed_ending& ending, int32_t
 
 template <class Unit>
 void find(const fold_table& table, const icu::RegexPattern& pattern, std::u16string_view prefix,
-          match_policy policy, const typed_ending* ending, const Unit* source,
-          folded_text& folded, std::size_t limit, regex_matches& out) {
+          match_policy policy, const typed_ending* ending, const Unit* source, folded_text& folded,
+          std::size_t limit, regex_matches& out) {
   UErrorCode status = U_ZERO_ERROR;
   const std::unique_ptr<icu::RegexMatcher> matcher = new_matcher(pattern, status);
   throw_if_failed(status);
@@ -93,9 +93,9 @@ void find(const fold_table& table, const icu::RegexPattern& pattern, std::u16str
     if (!found) break;
     const auto start = static_cast<int32_t>(matcher->start64(status));
     const auto found_end = static_cast<int32_t>(matcher->end64(status));
-    const int32_t end =
-        ending != nullptr && found_end > start ? typed_end(folded, *ending, start, found_end)
-                                               : found_end;
+    const int32_t end = ending != nullptr && found_end > start
+                            ? typed_end(folded, *ending, start, found_end)
+                            : found_end;
     source_span span{};
     if (start == end ? rules.accepts_empty(start, span) : rules.accepts(start, end, span)) {
       out.spans.push_back(span);

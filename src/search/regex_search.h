@@ -47,8 +47,7 @@ struct typed_ending {
 // pattern's typed ending.
 void find_regex(const fold_table& table, const icu::RegexPattern& pattern,
                 std::u16string_view prefix, match_policy policy, const typed_ending* ending,
-                const char16_t* source, folded_text& folded, std::size_t limit,
-                regex_matches& out);
+                const char16_t* source, folded_text& folded, std::size_t limit, regex_matches& out);
 void find_regex(const fold_table& table, const icu::RegexPattern& pattern,
                 std::u16string_view prefix, match_policy policy, const typed_ending* ending,
                 const char* source, folded_text& folded, std::size_t limit, regex_matches& out);

@@ -78,8 +78,8 @@ std::shared_ptr<detail::search_program> new_program(query_syntax syntax,
 bool accents_alone(std::u16string_view query, detail::fold_variant variant) {
   auto folds_to_nothing = [&](detail::fold_variant fold) {
     detail::folded_text folded;
-    detail::fold_text(detail::fold_table::get(fold), query.data(),
-                      detail::icu_length(query.size()), false, folded);
+    detail::fold_text(detail::fold_table::get(fold), query.data(), detail::icu_length(query.size()),
+                      false, folded);
     return folded.size == 0;
   };
   return folds_to_nothing(variant.without_accents()) && !folds_to_nothing(variant);
@@ -149,7 +149,8 @@ std::u16string escaped(std::u16string_view text) {
 void make_literal(detail::search_program& program, std::u16string_view query) {
   detail::search_settings& settings = program.settings;
   program.query = fold_literal(query, settings);
-  const detail::fold_variant accent_fold = settings.typed_accents ? settings.accents : settings.fold;
+  const detail::fold_variant accent_fold =
+      settings.typed_accents ? settings.accents : settings.fold;
   if (accent_fold.accents && accent_fold.shifted && accents_alone(query, accent_fold)) {
     // As in ICU's usearch with "shifted", accents alone are nothing to find.
     program.query = {};
@@ -166,7 +167,8 @@ void make_literal(detail::search_program& program, std::u16string_view query) {
       // typed and more of the last one after them, as ICU's usearch does.
       // (ICU takes escaped characters; were it not so, they would be found
       // as they are.)
-      detail::search_settings regex = detail::search_settings::of(program.options, query_syntax::regex);
+      detail::search_settings regex =
+          detail::search_settings::of(program.options, query_syntax::regex);
       std::swap(settings, regex);
       detail::folded_pattern folded;
       if (!fold_regex(program, escaped(query), folded)) {
@@ -291,22 +293,22 @@ detail::regex_matches search(const detail::search_program* program,
   if (settings.whole_words) words.emplace(text.data(), size);
   const detail::match_policy policy{
       settings.fold.shifted, words ? &*words : nullptr,
-      program->syntax == query_syntax::regex && program->options.diacritics ==
-                                                    diacritics_rule::match_typed
+      program->syntax == query_syntax::regex &&
+              program->options.diacritics == diacritics_rule::match_typed
           ? &detail::cluster_syntax::accents_of(table)
           : nullptr};
   if (program->query.units.empty()) {
     // A regex may look anywhere: the whole text is folded first.
     detail::fold_text(table, text.data(), size, true, folded);
     detail::find_regex(table, *program->pattern, program->prefix, policy,
-                       program->ending ? &*program->ending : nullptr, text.data(), folded,
-                       limit, found);
+                       program->ending ? &*program->ending : nullptr, text.data(), folded, limit,
+                       found);
     return found;
   }
   // The search follows the fold, so that it can stop at the first match. (One
   // reference captured: std::function keeps it without allocating.)
-  const detail::literal_search literal{table, program->query,
-                                       settings.typed_accents ? &program->accents : nullptr, policy};
+  const detail::literal_search literal{
+      table, program->query, settings.typed_accents ? &program->accents : nullptr, policy};
   struct {
     const detail::literal_search& literal;
     std::basic_string_view<Unit> text;
@@ -466,8 +468,7 @@ std::optional<pattern_error> search_pattern::check(std::u16string_view query, qu
   return check_query(query, syntax, options, [](std::size_t at) { return at; });
 }
 
-std::optional<pattern_error> search_pattern::check(std::string_view utf8_query,
-                                                   query_syntax syntax,
+std::optional<pattern_error> search_pattern::check(std::string_view utf8_query, query_syntax syntax,
                                                    const search_options& options) {
   return check_query(detail::i18n::utf8_to_ustring(std::string(utf8_query)), syntax, options,
                      [utf8_query](std::size_t at) { return utf8_offset(utf8_query, at); });

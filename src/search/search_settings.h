@@ -11,9 +11,9 @@
 namespace scl::regex::detail {
 
 struct search_settings {
-  fold_variant fold;          // how the text and the query are folded for searching
+  fold_variant fold;           // how the text and the query are folded for searching
   bool typed_accents = false;  // a literal query's accents are checked after (typed_accents.h)
-  fold_variant accents;       // ... in this fold
+  fold_variant accents;        // ... in this fold
   bool whole_words = false;
 
   // What is wrong with `options`, if anything: the error to throw, and which

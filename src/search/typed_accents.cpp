@@ -13,8 +13,7 @@ constexpr UChar32 middle_dot = 0xB7;
 
 }  // namespace
 
-typed_accents::typed_accents(const fold_table& accents, std::u16string_view query,
-                             bool dot_apart)
+typed_accents::typed_accents(const fold_table& accents, std::u16string_view query, bool dot_apart)
     : table_(&accents), dot_apart_(dot_apart) {
   folded_text folded;
   fold_text(accents, query.data(), static_cast<int32_t>(query.size()), false, folded);

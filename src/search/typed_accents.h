@@ -68,8 +68,7 @@ class typed_accents {
   bool place_in(const Unit* source, int32_t size, int32_t limit, source_span& span,
                 const start_check& may_start) const;
   // Appends the elements of `folded`, whose source starts at `offset`.
-  void elements_of(const folded_text& folded, int32_t offset,
-                   std::vector<element>& out) const;
+  void elements_of(const folded_text& folded, int32_t offset, std::vector<element>& out) const;
   // Matches the query from text[from], which holds its elements to the end
   // of what may follow a match; returns one past the last element matched, or
   // 0 if it does not match.

@@ -180,9 +180,9 @@ inline const char16_t* const kWords[] = {
 
 // Separators, marks and invisible characters.
 inline const char16_t* const kExtras[] = {u"\u00AD", u"\u200D", u"\u200C", u"\uFE0F", u" ",
-                                   u" ",      u" ",      u", ",     u"-",      u".",
-                                   u"\n",     u"\r\n",   u"\u0301", u"\u0300", u"\u0308",
-                                   u"\u0323", u"\u0327", u"\u0338", u"\u034F", u"\u2060"};
+                                          u" ",      u" ",      u", ",     u"-",      u".",
+                                          u"\n",     u"\r\n",   u"\u0301", u"\u0300", u"\u0308",
+                                          u"\u0323", u"\u0327", u"\u0338", u"\u034F", u"\u2060"};
 
 // Ranges of code points to draw single characters from.
 inline constexpr UChar32 kRanges[][2] = {
@@ -302,7 +302,7 @@ inline bool well_formed(const std::vector<re::source_match>& matches, std::size_
 // found_in, find_first and replace_all on UTF-8 `text` agree with `bytes`,
 // the ranges find_all gives for it.
 inline void check_utf8_agreement(const re::search_pattern& pattern, const std::string& text,
-                          const ranges& bytes, failure_log& log, const std::string& where) {
+                                 const ranges& bytes, failure_log& log, const std::string& where) {
   if (pattern.found_in(text) != !bytes.empty()) {
     log.add("found_in disagrees with find_all (UTF-8)", where);
   }
@@ -321,7 +321,8 @@ inline void check_utf8_agreement(const re::search_pattern& pattern, const std::s
 // in every form: UTF-16 and UTF-8, find_all, found_in, find_first and
 // replace_all must all agree. Returns the UTF-16 find_all.
 inline ranges check_forms(const re::search_pattern& pattern, const re::search_pattern& pattern8,
-                   const std::u16string& query, const std::u16string& text, failure_log& log) {
+                          const std::u16string& query, const std::u16string& text,
+                          failure_log& log) {
   const std::vector<re::source_match> matches = pattern.find_all(text);
   const ranges expected = ranges_of(matches);
   const std::string where = "query " + hex(query) + " text " + hex(text);
@@ -398,7 +399,6 @@ struct quoted_literal {
       }
     }
   }
-
 };
 
 // A query and text on which the library and usearch disagree.
@@ -477,8 +477,8 @@ struct differential_counts {
   }
 
   std::string summary() const {
-    std::string out = std::to_string(pairs) + " pairs; " + std::to_string(folds_to_nothing) +
-                      " fold to nothing;";
+    std::string out =
+        std::to_string(pairs) + " pairs; " + std::to_string(folds_to_nothing) + " fold to nothing;";
     for (const auto& [kind, count] : skipped) {
       out += " " + std::to_string(count) + " skipped for " + name_of(kind) + ";";
     }

@@ -82,7 +82,6 @@ inline std::vector<UChar32> code_points_of(std::u16string_view text) {
   return out;
 }
 
-
 // ---------------------------------------------------------------------------
 // The oracle
 
@@ -295,7 +294,6 @@ inline exclusion excluded(const usearch_oracle& oracle, const re::search_options
   }
   return exclusion::none;
 }
-
 
 // Whether a literal query finds nothing: it folds to nothing, or, where
 // diacritics count and punctuation does not, to accents alone (usearch then

@@ -251,7 +251,7 @@ struct search_options {
   diacritics_rule diacritics = diacritics_rule::ignore;
   bool whole_words = false;         // matches start and end on word boundaries
   bool ignore_punctuation = false;  // spaces and punctuation count as nothing
-  std::string locale;  // reserved for the user's language: must be empty for now
+  std::string locale;               // reserved for the user's language: must be empty for now
 
   friend bool operator==(const search_options& a, const search_options& b) {
     return a.match_case == b.match_case && a.diacritics == b.diacritics &&
