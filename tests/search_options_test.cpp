@@ -191,6 +191,17 @@ TEST(DiacriticsMatchTyped, AccentsCountWhereTyped) {
   EXPECT_FALSE(finds(u"stra\u00dfe", u"strasse", kTyped));
 }
 
+TEST(DiacriticsMatchTyped, AQueryOfAccentsAloneEndsWhereItsLastAccentDoes) {
+  // A match takes more of the last accent typed, but not from a later piece:
+  // after a control character, the accents start again.
+  const std::u16string accents(7, u'\u032f');
+  const std::u16string text =
+      std::u16string(9, u'\u032f') + u"\u0010\u0007" + std::u16string(7, u'\u032f');
+  EXPECT_EQ(find(std::u16string_view(accents), text, kTyped), (ranges{{0, 9}, {11, 18}}));
+  EXPECT_EQ(find(u"\u032f\u032f", u"\u032f\u032f\u032f\u0010\u032f\u032f", kTyped),
+            (ranges{{0, 3}, {4, 6}}));
+}
+
 TEST(MatchCase, CaseCountsAtTheStrengthOfTheDiacriticsRule) {
   EXPECT_TRUE(finds(u"Resume", u"R\u00e9sum\u00e9", kMatchCase));
   EXPECT_TRUE(finds(u"Resume", u"Resume", kMatchCase));

@@ -164,12 +164,13 @@ const code_point_bits& cluster_syntax::accents_of(const fold_table& table) {
   return alphabet_of(table).accents;
 }
 
-int cluster_syntax::append_literal(std::u16string_view units, std::u16string& out) const {
+cluster_syntax::typed_end cluster_syntax::append_literal(std::u16string_view units,
+                                                         std::u16string& out) const {
   if (!typed_) {
     const auto size = static_cast<int32_t>(units.size());
     for (int32_t at = 0; at < size;)
       append_literal_code_point(out, next_code_point(units.data(), at, size));
-    return -1;
+    return {};
   }
   struct item {
     UChar32 unit;
@@ -237,10 +238,10 @@ int cluster_syntax::append_literal(std::u16string_view units, std::u16string& ou
     out += u")*(?!";
     out.append(any_accents, 0, any_accents.size() - 1);
     out += u')';
-    return open ? typed_accents : -1;
+    return {open, typed_accents};
   }
   if (open) out += any_accents;
-  return open ? 0 : -1;
+  return {open, open ? 0 : -1};
 }
 
 void cluster_syntax::append_members(const class_set& set, std::u16string& out) const {

@@ -34,9 +34,13 @@ class cluster_syntax {
 
   // Appends pattern text that matches the folded literal `units` (a run of
   // the pattern's literal characters, folded). Without `typed`, the units as
-  // they are. Returns, if the run ends with a letter (and accents typed after
-  // it), how many accents; -1 otherwise.
-  int append_literal(std::u16string_view units, std::u16string& out) const;
+  // they are. Returns how the run ends where typed: with a letter and how
+  // many accents typed after it, or accents alone and how many.
+  struct typed_end {
+    bool letter = false;
+    int accents = -1;  // -1: the run does not end so (or is not typed)
+  };
+  typed_end append_literal(std::u16string_view units, std::u16string& out) const;
   // The accents of folded text with `table`'s accents.
   static const code_point_bits& accents_of(const fold_table& table);
   // Appends a class: a cluster that is the fold of one of the members of

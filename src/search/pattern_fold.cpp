@@ -110,7 +110,10 @@ class pattern_folder {
     flush(false);
     out_.origin.push_back(static_cast<int32_t>(pattern_.size()));
     out_.literal = only_literals_;
-    out_.typed_ending = top_level_alternation_ ? -1 : typed_ending_;
+    if (!top_level_alternation_) {
+      out_.typed_ending = typed_ending_.accents;
+      out_.typed_ending_after_letter = typed_ending_.letter;
+    }
     // A prefix with surrogates is not used: the text's lone ones are shown
     // to ICU as stand-ins, and the prefix is looked for in that text.
     // Searches that start at a prefix restart the engine, which \G would see.
@@ -138,7 +141,7 @@ class pattern_folder {
     for (const char16_t unit : text) emit_unit(unit, origin);
     after_back_reference_ = false;
     anything_emitted_ = true;
-    typed_ending_ = -1;
+    typed_ending_ = {};
     at_start_ = false;
   }
 
@@ -289,7 +292,9 @@ class pattern_folder {
         // may start with accents that are pieces of their own.
         clusters_->append_accents(text, dot_apart_);
       }
-      const int typed_ending = clusters_->append_literal(units, text);
+      cluster_syntax::typed_end typed_ending = clusters_->append_literal(units, text);
+      // Accents alone count from the match's start: only where they start it.
+      if (!typed_ending.letter && !at_start_) typed_ending = {};
       emit_text(text, run_origin_[static_cast<std::size_t>(folded.origin[from])]);
       typed_ending_ = typed_ending;
       return;
@@ -340,7 +345,7 @@ class pattern_folder {
   // Emits a group's parenthesis, which leaves what the pattern ends with as it was.
   template <class Emit>
   void keeping_end(Emit emit) {
-    const int typed_ending = typed_ending_;
+    const cluster_syntax::typed_end typed_ending = typed_ending_;
     const bool at_start = at_start_;
     emit();
     typed_ending_ = typed_ending;
@@ -439,9 +444,9 @@ class pattern_folder {
   std::u16string run_;               // literal characters not folded yet
   std::vector<int32_t> run_origin_;  // for each unit of run_, its offset in the pattern
   bool after_back_reference_ = false;
-  bool anything_emitted_ = false;  // syntax dropped (a comment) counts as nothing
-  int typed_ending_ = -1;          // what was emitted last ends with a letter and this many accents
-  bool at_start_ = true;           // nothing but group openings emitted yet
+  bool anything_emitted_ = false;           // syntax dropped (a comment) counts as nothing
+  cluster_syntax::typed_end typed_ending_;  // how what was emitted last ends
+  bool at_start_ = true;                    // nothing but group openings emitted yet
   bool only_literals_ = true;
   bool top_level_alternation_ = false;
   bool uses_previous_match_ = false;  // \G

@@ -50,8 +50,10 @@ struct folded_pattern {
   // With diacritics matched where typed, where the pattern ends with a
   // letter and the accents typed after it: how many accents (-1 otherwise).
   // A match takes the text's other accents after them, but ICU's usearch not
-  // past their piece (regex_search.h).
+  // past their piece (regex_search.h). Where the pattern is accents alone,
+  // `typed_ending_after_letter` is false and the count is of them all.
   int typed_ending = -1;
+  bool typed_ending_after_letter = true;
 
   // The offset in the caller's pattern of folded position `at`.
   int32_t source_offset(std::size_t at) const {

@@ -42,13 +42,23 @@ void conceal_false_pairs(folded_text& folded) {
 }
 
 // The end of a match [start, end) without the accents after the piece of the
-// last accent the pattern typed after its last letter.
+// last accent the pattern typed after its last letter (or, for a pattern of
+// accents alone, of its last accent).
 int32_t typed_end(const folded_text& folded, const typed_ending& ending, int32_t start,
                   int32_t end) {
-  int32_t letter = end - 1;
-  while (letter >= start && ending.accents->test(folded.units[letter])) --letter;
-  if (letter < start || end - letter - 1 < ending.typed) return end;
-  const int32_t last = letter + ending.typed;
+  int32_t last = -1;  // the last typed accent
+  if (ending.after_letter) {
+    int32_t letter = end - 1;
+    while (letter >= start && ending.accents->test(folded.units[letter])) --letter;
+    if (letter < start || end - letter - 1 < ending.typed) return end;
+    last = letter + ending.typed;
+  } else {
+    last = start + ending.typed - 1;
+    if (ending.typed <= 0 || last >= end) return end;
+    for (int32_t at = start; at <= last; ++at) {
+      if (!ending.accents->test(folded.units[at])) return end;
+    }
+  }
   int32_t piece_end = last + 1;
   while (piece_end < end && folded.origin[piece_end] == folded.origin[last]) ++piece_end;
   return piece_end;

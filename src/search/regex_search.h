@@ -41,6 +41,7 @@ struct regex_matches {
 struct typed_ending {
   const code_point_bits* accents;  // the accents of folded text
   int typed;
+  bool after_letter = true;  // false: the pattern is `typed` accents alone
 };
 
 // `policy` adds the rules of the search's options; `ending`, if any, is the

@@ -124,8 +124,8 @@ std::optional<pattern_failure> fold_regex(detail::search_program& program,
   program.pattern = compiled.pattern;
   program.prefix = folded.prefix;
   if (folded.typed_ending >= 0) {
-    program.ending =
-        detail::typed_ending{&detail::cluster_syntax::accents_of(table), folded.typed_ending};
+    program.ending = detail::typed_ending{&detail::cluster_syntax::accents_of(table),
+                                          folded.typed_ending, folded.typed_ending_after_letter};
   }
   UErrorCode status = U_ZERO_ERROR;
   const std::unique_ptr<icu::RegexMatcher> matcher(program.pattern->matcher(status));
