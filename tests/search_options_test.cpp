@@ -202,6 +202,27 @@ TEST(DiacriticsMatchTyped, AQueryOfAccentsAloneEndsWhereItsLastAccentDoes) {
             (ranges{{0, 3}, {4, 6}}));
 }
 
+TEST(DiacriticsMatchTyped, AccentsTypedFirstLetTheTextsOtherAccentsComeBeforeTheLetter) {
+  // The text's accents between typed ones and the next letter are skipped, as
+  // after a letter; where an accent is typed, another one does not stand for
+  // it.
+  for (const re::query_syntax syntax : {re::query_syntax::literal, re::query_syntax::regex}) {
+    const std::u16string_view group_open = syntax == re::query_syntax::regex ? u"(?:" : u"";
+    const std::u16string_view group_close = syntax == re::query_syntax::regex ? u")" : u"";
+    auto query = [&](std::u16string_view q) {
+      return std::u16string(group_open) + std::u16string(q) + std::u16string(group_close);
+    };
+    EXPECT_EQ(find(query(u"\u0301r"), u"\u0301\u0301r", kTyped, syntax), (ranges{{0, 3}}));
+    EXPECT_EQ(find(query(u"\u0301r"), u"\u0301\u0300r", kTyped, syntax), (ranges{{0, 3}}));
+    EXPECT_EQ(find(query(u"\u0301\u0301r"), u"\u0301\u0300\u0301r", kTyped, syntax), ranges{});
+    EXPECT_EQ(find(query(u"\u0301\u0301r"), u"\u0301\u0300r", kTyped, syntax), ranges{});
+    EXPECT_EQ(
+        find(query(u"\u0355\u0355\u0355r\u0321er"), u"\u0355\u0355\u0355\u0355@r\u0321er,(\u0321eY",
+             with(true, re::diacritics_rule::match_typed, true, true), syntax),
+        (ranges{{0, 9}}));
+  }
+}
+
 TEST(MatchCase, CaseCountsAtTheStrengthOfTheDiacriticsRule) {
   EXPECT_TRUE(finds(u"Resume", u"R\u00e9sum\u00e9", kMatchCase));
   EXPECT_TRUE(finds(u"Resume", u"Resume", kMatchCase));

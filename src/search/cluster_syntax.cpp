@@ -204,13 +204,17 @@ cluster_syntax::typed_end cluster_syntax::append_literal(std::u16string_view uni
     }
     return nullptr;
   };
-  bool open = false;      // a letter's accents may follow
+  // Before a letter, the text may have accents the query did not type, after
+  // a letter or after accents typed first.
+  bool open = false;
+  bool letter = false;    // a letter was typed
   int typed_accents = 0;  // accents typed after the last letter
   for (std::size_t i = 0; i < items.size();) {
     if (items[i].accent) {
       append_accent(items[i].unit, out);
       ++typed_accents;
       ++i;
+      open = true;
       continue;
     }
     typed_accents = 0;
@@ -229,6 +233,7 @@ cluster_syntax::typed_end cluster_syntax::append_literal(std::u16string_view uni
       append_letter(items[i].unit, out);
       ++i;
     }
+    letter = true;
     open = true;
   }
   if (!items.empty() && items.back().accent) {
@@ -238,10 +243,10 @@ cluster_syntax::typed_end cluster_syntax::append_literal(std::u16string_view uni
     out += u")*(?!";
     out.append(any_accents, 0, any_accents.size() - 1);
     out += u')';
-    return {open, typed_accents};
+    return {letter, typed_accents};
   }
-  if (open) out += any_accents;
-  return {open, open ? 0 : -1};
+  if (letter) out += any_accents;
+  return {letter, letter ? 0 : -1};
 }
 
 void cluster_syntax::append_members(const class_set& set, std::u16string& out) const {
