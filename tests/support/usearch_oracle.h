@@ -9,6 +9,7 @@
 #ifndef SCL_REGEX_TESTS_SUPPORT_USEARCH_ORACLE_H
 #define SCL_REGEX_TESTS_SUPPORT_USEARCH_ORACLE_H
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -104,7 +105,7 @@ class usearch_oracle {
                                      options.ignore_punctuation, status);
     }
     if (options.whole_words) words_ = ubrk_open(UBRK_WORD, "", nullptr, 0, &status);
-    root_ = open_collator(UCOL_PRIMARY, false, false, status);
+    root_ = open_collator(UCOL_PRIMARY, false, options.ignore_punctuation, status);
     if (U_FAILURE(status)) return;
     static const UChar placeholder[] = {u'x'};
     search_ = usearch_openFromCollator(placeholder, 1, placeholder, 1, collator_, words_, &status);
@@ -171,7 +172,8 @@ class usearch_oracle {
     return out;
   }
 
-  // Whether the root collator reads `c` as nothing at primary strength.
+  // Whether the root collator reads `c` as nothing at primary strength (with
+  // punctuation and spaces, where they are ignored).
   bool ignorable(UChar32 c) const {
     std::u16string text;
     append_code_point(text, c);
@@ -204,6 +206,7 @@ enum class exclusion {
   none,
   contraction_starter,          // Thai/Lao nikhahit, Tibetan U+0F71, U+0FB2, U+0FB3
   query_ends_in_prevowel,       // the collator swaps a prevowel and its consonant
+  prevowel_kept_apart,          // ... written apart on one side only
   continuation_as_punctuation,  // "shifted": usearch reads part of a long weight as punctuation
 };
 
@@ -213,6 +216,8 @@ inline const char* name_of(exclusion kind) {
       return "a contraction starter";
     case exclusion::query_ends_in_prevowel:
       return "a query ending in a prevowel";
+    case exclusion::prevowel_kept_apart:
+      return "a prevowel written apart on one side only";
     case exclusion::continuation_as_punctuation:
       return "a long weight that usearch reads as punctuation";
     case exclusion::none:
@@ -250,6 +255,41 @@ inline bool ends_in_prevowel(const usearch_oracle& oracle, std::u16string_view q
   return false;
 }
 
+// The prevowels of `text` with the character they come before: right before
+// it, or (`apart`) with characters the collator ignores (a mark, a soft
+// hyphen, ...) between, which keep the collator from swapping the two.
+inline std::vector<std::pair<UChar32, UChar32>> prevowel_pairs(const usearch_oracle& oracle,
+                                                               std::u16string_view text,
+                                                               bool apart) {
+  std::vector<std::pair<UChar32, UChar32>> out;
+  const std::vector<UChar32> code_points = code_points_of(text);
+  for (std::size_t i = 0; i < code_points.size(); ++i) {
+    if (!u_hasBinaryProperty(code_points[i], UCHAR_LOGICAL_ORDER_EXCEPTION)) continue;
+    std::size_t next = i + 1;
+    while (next < code_points.size() && oracle.ignorable(code_points[next])) ++next;
+    if (next < code_points.size() && (next > i + 1) == apart) {
+      out.emplace_back(code_points[i], code_points[next]);
+    }
+  }
+  return out;
+}
+
+// Whether a prevowel is written apart from the character after it on one
+// side and next to it on the other: the fold compares both in written order,
+// the collator swaps only the pair written together.
+inline bool prevowel_apart_on_one_side(const usearch_oracle& oracle, std::u16string_view query,
+                                       std::u16string_view text) {
+  for (const bool query_apart : {true, false}) {
+    const auto apart = prevowel_pairs(oracle, query_apart ? query : text, true);
+    if (apart.empty()) continue;
+    const auto together = prevowel_pairs(oracle, query_apart ? text : query, false);
+    for (const auto& pair : apart) {
+      if (std::find(together.begin(), together.end(), pair) != together.end()) return true;
+    }
+  }
+  return false;
+}
+
 // Whether a collation element of `c` has a primary weight too long for one
 // 32-bit order, whose second half usearch compares with the variable top as
 // if it were an element of its own: with "shifted", usearch reads it as
@@ -281,6 +321,7 @@ inline exclusion excluded(const usearch_oracle& oracle, const re::search_options
     return exclusion::contraction_starter;
   }
   if (ends_in_prevowel(oracle, query)) return exclusion::query_ends_in_prevowel;
+  if (prevowel_apart_on_one_side(oracle, query, text)) return exclusion::prevowel_kept_apart;
   if (options.ignore_punctuation) {
     // Such a character in the query changes what usearch looks for; in the
     // text it changes only the accents after it.

@@ -89,11 +89,12 @@
 //     order. The collator swaps a prevowel with the character after it when
 //     the two are adjacent and form a contraction, so results differ where
 //     query and text are not written alike: a query that ends in a prevowel;
-//     a prevowel kept from its consonant by a character that folds to
-//     nothing (soft hyphen, mark, ZWJ, U+0000) on one side only; a prevowel
-//     before a letter that expands (Lao U+0EDC, U+0EDD, New Tai Lue U+19DF)
-//     against the expansion written out. Search folding finds a match in
-//     these cases where usearch finds none.
+//     a prevowel kept from its consonant by a character without a primary
+//     weight (soft hyphen, mark, ZWJ, U+0000; with ignore_punctuation, also
+//     punctuation and spaces) on one side only; a prevowel before a letter
+//     that expands (Lao U+0EDC, U+0EDD, New Tai Lue U+19DF) against the
+//     expansion written out. Search folding finds a match in these cases
+//     where usearch finds none.
 //
 // Regex queries (query_syntax::regex) use ICU's regular expression syntax.
 // The pattern is folded as text is, but by its syntax:
