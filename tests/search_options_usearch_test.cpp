@@ -127,6 +127,35 @@ TEST(OptionsDocumentedDifferences, UsearchReadsHalfALongWeightAsPunctuation) {
   EXPECT_FALSE(failed);
 }
 
+// The other difference the header lists: with diacritics matched where typed,
+// usearch's buffer of collation elements overflows where many accents follow a
+// match. Search folding ends the match where it does before a few.
+TEST(OptionsDocumentedDifferences, UsearchOverflowsOnManyAccentsAfterATypedMatch) {
+  const re::search_options typed =
+      make_options(false, re::diacritics_rule::match_typed, false, false);
+  usearch_oracle oracle(typed);
+  ASSERT_TRUE(oracle.ready());
+  const re::search_pattern s(u"s", re::query_syntax::literal, typed);
+  for (const int accents : {1, 30, 40}) {
+    const std::u16string text =
+        u"s " + std::u16string(static_cast<std::size_t>(accents), u'\u0322') + u"t";
+    bool failed = false;
+    const ranges expected = oracle.find_all(u"s", text, failed);
+    EXPECT_EQ(failed, accents == 40) << accents;
+    EXPECT_EQ(expected, (ranges{{0, 1}})) << accents;
+    EXPECT_EQ(ranges_of(s.find_all(text)), (ranges{{0, 1}})) << accents;
+    EXPECT_EQ(has_long_run_without_primary(oracle, text), accents >= 32) << accents;
+  }
+  // Where controls sit among the accents, usearch ends the match after them.
+  const std::u16string nul(2, u'\0');
+  const std::u16string text =
+      u"ts" + nul + u"\u034a" + nul + std::u16string(71, u'\u0322') + nul + u"t";
+  bool failed = false;
+  EXPECT_EQ(oracle.find_all(u"s", text, failed), (ranges{{1, 80}}));
+  EXPECT_FALSE(failed);
+  EXPECT_EQ(ranges_of(s.find_all(text)), (ranges{{1, 2}}));
+}
+
 // What search folding does as usearch does, though the collator alone would
 // say otherwise: with "shifted", a match neither starts at nor ends right
 // before a character whose elements start with punctuation ("\u2474" is

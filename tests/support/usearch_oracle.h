@@ -208,6 +208,7 @@ enum class exclusion {
   query_ends_in_prevowel,       // the collator swaps a prevowel and its consonant
   prevowel_kept_apart,          // ... written apart on one side only
   continuation_as_punctuation,  // "shifted": usearch reads part of a long weight as punctuation
+  long_run_without_primary,     // typed: usearch's buffer overflows after a match
 };
 
 inline const char* name_of(exclusion kind) {
@@ -220,6 +221,8 @@ inline const char* name_of(exclusion kind) {
       return "a prevowel written apart on one side only";
     case exclusion::continuation_as_punctuation:
       return "a long weight that usearch reads as punctuation";
+    case exclusion::long_run_without_primary:
+      return "a run of characters without a primary weight longer than usearch's buffer";
     case exclusion::none:
       break;
   }
@@ -290,6 +293,20 @@ inline bool prevowel_apart_on_one_side(const usearch_oracle& oracle, std::u16str
   return false;
 }
 
+// Whether `text` has 32 characters in a row without a primary weight (accents,
+// controls). With diacritics matched where typed, usearch looks at the
+// collation elements after a match in a buffer of 32 plus about 3 per query
+// character; past that, it fails or ends the match late.
+inline bool has_long_run_without_primary(const usearch_oracle& oracle, std::u16string_view text) {
+  constexpr int kBuffer = 32;
+  int run = 0;
+  for (const UChar32 c : code_points_of(text)) {
+    run = oracle.ignorable(c) ? run + 1 : 0;
+    if (run >= kBuffer) return true;
+  }
+  return false;
+}
+
 // Whether a collation element of `c` has a primary weight too long for one
 // 32-bit order, whose second half usearch compares with the variable top as
 // if it were an element of its own: with "shifted", usearch reads it as
@@ -322,6 +339,10 @@ inline exclusion excluded(const usearch_oracle& oracle, const re::search_options
   }
   if (ends_in_prevowel(oracle, query)) return exclusion::query_ends_in_prevowel;
   if (prevowel_apart_on_one_side(oracle, query, text)) return exclusion::prevowel_kept_apart;
+  if (options.diacritics == re::diacritics_rule::match_typed &&
+      has_long_run_without_primary(oracle, text)) {
+    return exclusion::long_run_without_primary;
+  }
   if (options.ignore_punctuation) {
     // Such a character in the query changes what usearch looks for; in the
     // text it changes only the accents after it.

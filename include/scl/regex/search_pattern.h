@@ -212,6 +212,12 @@
 //     collator calls them apart; search folding follows the collator (and
 //     search_fold must). Some ten thousand characters have such weights: Han
 //     ideographs, and letters of many other scripts.
+//   - With diacritics matched where typed, usearch in ICU 72 keeps the
+//     collation elements it looks at in a buffer of 32 plus about 3 per query
+//     character. Where more accents (or other characters without a primary
+//     weight) than that follow a match, it fails with
+//     U_INTERNAL_PROGRAM_ERROR or ends the match after them; search folding
+//     ends the match as it does before fewer.
 //
 // Thread safety: a search_pattern is immutable after construction; any number
 // of threads may search with one object, or with copies of it, at once.
