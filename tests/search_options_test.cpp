@@ -223,6 +223,20 @@ TEST(DiacriticsMatchTyped, AccentsTypedFirstLetTheTextsOtherAccentsComeBeforeThe
   }
 }
 
+TEST(DiacriticsMatchTyped, CanonicallyEquivalentTextsGiveTheSameMatches) {
+  // "\u0368" is a mark that is a letter of its own; the accent after it comes
+  // before it in canonical order, so right after the control, as in the NFC
+  // text: after a typed accent, another accent ends the match.
+  const std::u16string_view texts[] = {u"x\u035b\u007f\u0368\u034e", u"x\u035b\u007f\u034e\u0368"};
+  for (const re::query_syntax syntax : {re::query_syntax::literal, re::query_syntax::regex}) {
+    for (const std::u16string_view text : texts) {
+      EXPECT_EQ(find(u"x\u035b", text, kTyped, syntax), ranges{});
+      EXPECT_EQ(find(u"x", text, kTyped, syntax), (ranges{{0, 2}}));
+    }
+    EXPECT_EQ(find(u"(?:x\u035b)", texts[0], kTyped, re::query_syntax::regex), ranges{});
+  }
+}
+
 TEST(MatchCase, CaseCountsAtTheStrengthOfTheDiacriticsRule) {
   EXPECT_TRUE(finds(u"Resume", u"R\u00e9sum\u00e9", kMatchCase));
   EXPECT_TRUE(finds(u"Resume", u"Resume", kMatchCase));

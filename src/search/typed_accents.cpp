@@ -2,6 +2,8 @@
 
 #include <string>
 
+#include <unicode/uchar.h>
+
 #include "search/code_points.h"
 #include "search/folded_text.h"
 
@@ -67,7 +69,8 @@ void typed_accents::elements_of(const folded_text& folded, int32_t offset,
   }
 }
 
-std::size_t typed_accents::match_from(const std::vector<element>& text, std::size_t from) const {
+std::size_t typed_accents::match_from(const std::vector<element>& text, std::size_t from,
+                                      int32_t tail) const {
   if (query_.empty()) return 0;
   std::size_t j = from;
   for (const element& q : query_) {
@@ -84,6 +87,7 @@ std::size_t typed_accents::match_from(const std::vector<element>& text, std::siz
   const std::size_t matched = j;
   const element& last = query_.back();
   for (; j < text.size(); ++j) {
+    if (text[j].primary != 0 && text[j].piece_end > tail) break;
     if (text[j].primary != 0 || (last.primary == 0 && !text[j].same(last))) return 0;
   }
   return matched;
@@ -117,6 +121,15 @@ bool typed_accents::place_in(const Unit* source, int32_t size, int32_t limit, so
     if (!accent(c, window_end > 0 ? previous_code_point(source, before) : -1)) break;
     window_end = after;
   }
+  // Where what stops it is a mark ("\u0368", a letter of its own), accents
+  // after it may come before it in canonical order: the window takes them,
+  // and what follows the match ends at its first letter.
+  const int32_t accents_end = window_end;
+  while (window_end < size) {
+    int32_t after = window_end;
+    if (u_getCombiningClass(next_code_point(source, after, size)) == 0) break;
+    window_end = after;
+  }
   int32_t context = window_start;
   if (context > 0) previous_code_point(source, context);
 
@@ -133,7 +146,7 @@ bool typed_accents::place_in(const Unit* source, int32_t size, int32_t limit, so
     if (i > first && text[i].piece_start == text[i - 1].piece_start) continue;
     if (dot_apart_ && text[i].unit == dot_accent) continue;
     if (!may_start(text[i].piece_start)) continue;
-    const std::size_t matched = match_from(text, i);
+    const std::size_t matched = match_from(text, i, accents_end);
     if (matched == 0) continue;
     span.start = text[i].piece_start;
     span.end = std::max(span.end, text[matched - 1].piece_end);

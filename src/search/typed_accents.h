@@ -70,9 +70,10 @@ class typed_accents {
   // Appends the elements of `folded`, whose source starts at `offset`.
   void elements_of(const folded_text& folded, int32_t offset, std::vector<element>& out) const;
   // Matches the query from text[from], which holds its elements to the end
-  // of what may follow a match; returns one past the last element matched, or
-  // 0 if it does not match.
-  std::size_t match_from(const std::vector<element>& text, std::size_t from) const;
+  // of what may follow a match (a letter of a piece that ends after source
+  // offset `tail` ends that); returns one past the last element matched, or 0
+  // if it does not match.
+  std::size_t match_from(const std::vector<element>& text, std::size_t from, int32_t tail) const;
   // Whether `c`, after `previous`, has no element but accents: an accent, or
   // what folds to nothing anyway, or punctuation that "shifted" ignores.
   bool accent(UChar32 c, UChar32 previous) const;
