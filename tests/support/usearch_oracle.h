@@ -172,6 +172,19 @@ class usearch_oracle {
     return out;
   }
 
+  // Whether the root collator swaps `prevowel` with `next`: the two form a
+  // contraction, whose primary weights differ from theirs one after the other.
+  bool swaps(UChar32 prevowel, UChar32 next) const {
+    std::u16string pair;
+    append_code_point(pair, prevowel);
+    const std::size_t split = pair.size();
+    append_code_point(pair, next);
+    std::vector<int32_t> apart = primaries(pair.substr(0, split));
+    const std::vector<int32_t> second = primaries(pair.substr(split));
+    apart.insert(apart.end(), second.begin(), second.end());
+    return primaries(pair) != apart;
+  }
+
   // Whether the root collator reads `c` as nothing at primary strength (with
   // punctuation and spaces, where they are ignored).
   bool ignorable(UChar32 c) const {
@@ -182,6 +195,20 @@ class usearch_oracle {
   }
 
  private:
+  // The primary weights of `text`'s collation elements, in order.
+  std::vector<int32_t> primaries(const std::u16string& text) const {
+    std::vector<int32_t> out;
+    UErrorCode status = U_ZERO_ERROR;
+    UCollationElements* elements =
+        ucol_openElements(root_, text.data(), static_cast<int32_t>(text.size()), &status);
+    for (int32_t order = ucol_next(elements, &status); U_SUCCESS(status) && order != UCOL_NULLORDER;
+         order = ucol_next(elements, &status)) {
+      if (ucol_primaryOrder(order) != 0) out.push_back(ucol_primaryOrder(order));
+    }
+    ucol_closeElements(elements);
+    return out;
+  }
+
   static UCollator* open_collator(UCollationStrength strength, bool case_level, bool shifted,
                                   UErrorCode& status) {
     UCollator* collator = ucol_open("", &status);
@@ -204,11 +231,11 @@ class usearch_oracle {
 
 enum class exclusion {
   none,
-  contraction_starter,          // Thai/Lao nikhahit, Tibetan U+0F71, U+0FB2, U+0FB3
-  query_ends_in_prevowel,       // the collator swaps a prevowel and its consonant
-  prevowel_kept_apart,          // ... written apart on one side only
-  continuation_as_punctuation,  // "shifted": usearch reads part of a long weight as punctuation
-  long_run_without_primary,     // typed: usearch's buffer overflows after a match
+  contraction_starter,           // Thai/Lao nikhahit, Tibetan U+0F71, U+0FB2, U+0FB3
+  query_ends_in_prevowel,        // the collator swaps a prevowel and its consonant
+  prevowel_swapped_on_one_side,  // ... on one side only
+  continuation_as_punctuation,   // "shifted": usearch reads part of a long weight as punctuation
+  long_run_without_primary,      // typed: usearch's buffer overflows after a match
 };
 
 inline const char* name_of(exclusion kind) {
@@ -217,8 +244,8 @@ inline const char* name_of(exclusion kind) {
       return "a contraction starter";
     case exclusion::query_ends_in_prevowel:
       return "a query ending in a prevowel";
-    case exclusion::prevowel_kept_apart:
-      return "a prevowel written apart on one side only";
+    case exclusion::prevowel_swapped_on_one_side:
+      return "a prevowel swapped on one side only";
     case exclusion::continuation_as_punctuation:
       return "a long weight that usearch reads as punctuation";
     case exclusion::long_run_without_primary:
@@ -258,36 +285,33 @@ inline bool ends_in_prevowel(const usearch_oracle& oracle, std::u16string_view q
   return false;
 }
 
-// The prevowels of `text` with the character they come before: right before
-// it, or (`apart`) with characters the collator ignores (a mark, a soft
-// hyphen, ...) between, which keep the collator from swapping the two.
-inline std::vector<std::pair<UChar32, UChar32>> prevowel_pairs(const usearch_oracle& oracle,
-                                                               std::u16string_view text,
-                                                               bool apart) {
-  std::vector<std::pair<UChar32, UChar32>> out;
+// The prevowels of `text` that the collator swaps with the character after
+// them (`swapped`), or that it leaves where they are written: before a
+// character they form no contraction with, one it ignores, or at the end.
+inline std::vector<UChar32> prevowels(const usearch_oracle& oracle, std::u16string_view text,
+                                      bool swapped) {
+  std::vector<UChar32> out;
   const std::vector<UChar32> code_points = code_points_of(text);
   for (std::size_t i = 0; i < code_points.size(); ++i) {
     if (!u_hasBinaryProperty(code_points[i], UCHAR_LOGICAL_ORDER_EXCEPTION)) continue;
-    std::size_t next = i + 1;
-    while (next < code_points.size() && oracle.ignorable(code_points[next])) ++next;
-    if (next < code_points.size() && (next > i + 1) == apart) {
-      out.emplace_back(code_points[i], code_points[next]);
-    }
+    const bool swaps =
+        i + 1 < code_points.size() && oracle.swaps(code_points[i], code_points[i + 1]);
+    if (swaps == swapped) out.push_back(code_points[i]);
   }
   return out;
 }
 
-// Whether a prevowel is written apart from the character after it on one
-// side and next to it on the other: the fold compares both in written order,
-// the collator swaps only the pair written together.
-inline bool prevowel_apart_on_one_side(const usearch_oracle& oracle, std::u16string_view query,
-                                       std::u16string_view text) {
-  for (const bool query_apart : {true, false}) {
-    const auto apart = prevowel_pairs(oracle, query_apart ? query : text, true);
-    if (apart.empty()) continue;
-    const auto together = prevowel_pairs(oracle, query_apart ? text : query, false);
-    for (const auto& pair : apart) {
-      if (std::find(together.begin(), together.end(), pair) != together.end()) return true;
+// Whether a prevowel is swapped on one side and written where it is on the
+// other: the fold compares both in written order. (usearch finds
+// "\u0e41\u0e27" in "\u0e27\u0e41 ", or "\u0e41\u0e21" in "\u0e41\u00ad\u0e21" not.)
+inline bool prevowel_swapped_on_one_side(const usearch_oracle& oracle, std::u16string_view query,
+                                         std::u16string_view text) {
+  for (const bool query_swapped : {true, false}) {
+    const auto swapped = prevowels(oracle, query_swapped ? query : text, true);
+    if (swapped.empty()) continue;
+    const auto written = prevowels(oracle, query_swapped ? text : query, false);
+    for (const UChar32 prevowel : swapped) {
+      if (std::find(written.begin(), written.end(), prevowel) != written.end()) return true;
     }
   }
   return false;
@@ -338,7 +362,9 @@ inline exclusion excluded(const usearch_oracle& oracle, const re::search_options
     return exclusion::contraction_starter;
   }
   if (ends_in_prevowel(oracle, query)) return exclusion::query_ends_in_prevowel;
-  if (prevowel_apart_on_one_side(oracle, query, text)) return exclusion::prevowel_kept_apart;
+  if (prevowel_swapped_on_one_side(oracle, query, text)) {
+    return exclusion::prevowel_swapped_on_one_side;
+  }
   if (options.diacritics == re::diacritics_rule::match_typed &&
       has_long_run_without_primary(oracle, text)) {
     return exclusion::long_run_without_primary;

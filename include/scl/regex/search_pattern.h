@@ -94,7 +94,11 @@
 //     punctuation and spaces) on one side only; a prevowel before a letter
 //     that expands (Lao U+0EDC, U+0EDD, New Tai Lue U+19DF) against the
 //     expansion written out. Search folding finds a match in these cases
-//     where usearch finds none.
+//     where usearch finds none. The other way round, where the text has a
+//     prevowel that is not swapped (before a character it forms no
+//     contraction with, or at the end) after a consonant, usearch finds the
+//     two as the query's prevowel and consonant: "\u0e41\u0e27" in
+//     "\u0e27\u0e41 ". Search folding does not.
 //
 // Regex queries (query_syntax::regex) use ICU's regular expression syntax.
 // The pattern is folded as text is, but by its syntax:
