@@ -416,6 +416,42 @@ TEST(RegexWithOptions, LiteralsFoldAsText) {
   EXPECT_TRUE(finds(u"\u00e9+", u"\u00e9\u00c9", kMatch, regex));
 }
 
+// Every way to write `count` "s" with "\u00df" standing for two.
+std::vector<std::u16string> spellings_of_s(std::size_t count) {
+  if (count == 0) return {u""};
+  std::vector<std::u16string> out;
+  for (std::u16string& rest : spellings_of_s(count - 1)) out.push_back(u"s" + rest);
+  if (count >= 2) {
+    for (std::u16string& rest : spellings_of_s(count - 2)) out.push_back(u"\u00df" + rest);
+  }
+  return out;
+}
+
+TEST(RegexWithOptions, TypedLettersMatchALetterThatStandsForSeveralWhereverTheTextJoinsThem) {
+  const re::query_syntax regex = re::query_syntax::regex;
+  for (const std::size_t count : {2, 3, 5}) {
+    const std::u16string letters(count, u's');
+    const re::search_pattern literal(letters, re::query_syntax::literal, kTyped);
+    const re::search_pattern quoted(u"(?:" + letters + u")", regex, kTyped);
+    for (const std::u16string& text : spellings_of_s(count)) {
+      const ranges whole{{0, text.size()}};
+      EXPECT_EQ(find(literal, text), whole);
+      EXPECT_EQ(find(quoted, text), whole);
+    }
+  }
+  // "sss" in "s\u00df", with more around it.
+  EXPECT_EQ(find(u"(?:schlosssee)", u"Schlos\u00dfee", kTyped, regex), (ranges{{0, 9}}));
+  EXPECT_EQ(find(u"(?:schlosssee)", u"Schlo\u00dfsee", kTyped, regex), (ranges{{0, 9}}));
+  // Past 1024 ways to join a run, the run is joined from the left.
+  const std::u16string sixteen(16, u's');
+  EXPECT_TRUE(finds(u"(?:" + sixteen + u")", std::u16string(8, u'\u00df'), kTyped, regex));
+  const std::u16string inner = u"s" + std::u16string(7, u'\u00df') + u"s";
+  EXPECT_FALSE(finds(u"(?:" + sixteen + u")", inner, kTyped, regex));
+  EXPECT_TRUE(finds(sixteen, inner, kTyped));
+  EXPECT_TRUE(finds(u"(?:" + std::u16string(15, u's') + u")", u"s" + std::u16string(7, u'\u00df'),
+                    kTyped, regex));
+}
+
 TEST(RegexWithOptions, PunctuationInLiteralsFoldsToNothingAndClassesKeepNoSuchMember) {
   const re::query_syntax regex = re::query_syntax::regex;
   EXPECT_EQ(find(u"new ?york", u"New York", kPunctuation, regex), (ranges{{0, 8}}));

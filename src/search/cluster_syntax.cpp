@@ -1,14 +1,24 @@
 #include "search/cluster_syntax.h"
 
+#include <algorithm>
 #include <array>
 #include <memory>
 #include <mutex>
+#include <vector>
 
 #include "search/code_points.h"
 #include "search/pattern_text.h"
 #include "search/surrogate_stand_in.h"
 
 namespace scl::regex::detail {
+
+namespace {
+
+// At most this many ways to spell a run of letters whose composites overlap
+// (fifteen "s" in a row); the pattern grows with them.
+constexpr std::size_t kMaxSpellings = 1024;
+
+}  // namespace
 
 struct cluster_syntax::alphabet {
   code_point_bits accents;     // the accents of folded text
@@ -185,25 +195,66 @@ cluster_syntax::typed_end cluster_syntax::append_literal(std::u16string_view uni
   const std::u16string& any_accents = alphabet_.any_accents;
   const fold_table& letters = fold_table::get(table_.variant().without_accents());
   // Where consecutive letters, typed without accents, could be one letter of
-  // the text that stands for several ("ss" for "\u00df").
-  auto composite_at = [&](std::size_t i) -> const composite_unit* {
+  // the text that stands for several ("ss" for "\u00df"): the composites that
+  // may stand for items [i, i + count).
+  auto fits = [&](const composite_unit& unit, std::size_t i) {
+    if (i + unit.count > items.size()) return false;
+    for (std::uint32_t j = 0; j < unit.count; ++j) {
+      const item& it = items[i + j];
+      if (unit.primaries[j] == 0 || it.accent || !common(it.unit)) return false;
+      std::u16string fold;
+      letters.append_fold(it.unit, fold);
+      std::u16string primary;
+      append_code_point(primary, static_cast<UChar32>(unit.primaries[j]));
+      if (fold != primary) return false;
+    }
+    return true;
+  };
+  std::vector<std::vector<const composite_unit*>> composites(items.size());
+  for (std::size_t i = 0; i < items.size(); ++i) {
     for (const composite_unit* unit = table_.composites_begin(); unit != table_.composites_end();
          ++unit) {
-      if (i + unit->count > items.size()) continue;
-      bool fits = true;
-      for (std::uint32_t j = 0; j < unit->count && fits; ++j) {
-        const item& it = items[i + j];
-        std::u16string fold;
-        if (!it.accent) letters.append_fold(it.unit, fold);
-        std::u16string primary;
-        if (unit->primaries[j] != 0)
-          append_code_point(primary, static_cast<UChar32>(unit->primaries[j]));
-        fits = unit->primaries[j] != 0 && !it.accent && common(it.unit) && fold == primary;
-      }
-      if (fits) return unit;
+      if (fits(*unit, i)) composites[i].push_back(unit);
     }
-    return nullptr;
+  }
+  // Letters [from, to), where no composite crosses `to`: every way the text
+  // may spell them, with any accents between. Where composites overlap
+  // ("sss": "\u00df" for the first two or the last two), the ways branch.
+  auto spellings = [&](auto& self, std::size_t from, std::size_t to, std::u16string& text) -> void {
+    if (from == to) return;
+    const auto rest = [&](std::size_t next) {
+      if (next == to) return;
+      text += any_accents;
+      self(self, next, to, text);
+    };
+    if (composites[from].empty()) {
+      append_letter(items[from].unit, text);
+      rest(from + 1);
+      return;
+    }
+    text += u"(?:";
+    append_letter(items[from].unit, text);
+    rest(from + 1);
+    for (const composite_unit* unit : composites[from]) {
+      text += u'|';
+      append_literal_code_point(text, static_cast<UChar32>(unit->unit));
+      rest(from + unit->count);
+    }
+    text += u')';
   };
+  // How many ways `spellings` writes out, to keep overlapping composites
+  // from growing the pattern without bound.
+  auto ways = [&](std::size_t from, std::size_t to) {
+    std::vector<std::size_t> count(to - from + 1, 0);
+    count[to - from] = 1;
+    for (std::size_t i = to; i-- > from;) {
+      std::size_t n = count[i + 1 - from];
+      for (const composite_unit* unit : composites[i]) n += count[i + unit->count - from];
+      count[i - from] = std::min<std::size_t>(n, kMaxSpellings + 1);
+    }
+    return count[0];
+  };
+
   // Before a letter, the text may have accents the query did not type, after
   // a letter or after accents typed first.
   bool open = false;
@@ -219,20 +270,36 @@ cluster_syntax::typed_end cluster_syntax::append_literal(std::u16string_view uni
     }
     typed_accents = 0;
     if (open) out += any_accents;
-    if (const composite_unit* unit = composite_at(i)) {
-      out += u"(?:";
-      append_literal_code_point(out, static_cast<UChar32>(unit->unit));
-      out += u'|';
-      for (std::uint32_t j = 0; j < unit->count; ++j) {
-        if (j != 0) out += any_accents;
-        append_letter(items[i + j].unit, out);
-      }
-      out += u')';
-      i += unit->count;
-    } else {
-      append_letter(items[i].unit, out);
-      ++i;
+    // The letters up to where no composite crosses.
+    std::size_t end = i + 1;
+    for (std::size_t k = i; k < end; ++k) {
+      for (const composite_unit* unit : composites[k])
+        end = std::max<std::size_t>(end, k + unit->count);
     }
+    if (ways(i, end) <= kMaxSpellings) {
+      spellings(spellings, i, end, out);
+    } else {
+      // Too many: each composite where it first fits, from the left.
+      for (std::size_t k = i; k < end;) {
+        if (k != i) out += any_accents;
+        if (composites[k].empty()) {
+          append_letter(items[k].unit, out);
+          ++k;
+          continue;
+        }
+        const composite_unit* unit = composites[k].front();
+        out += u"(?:";
+        append_literal_code_point(out, static_cast<UChar32>(unit->unit));
+        out += u'|';
+        for (std::uint32_t j = 0; j < unit->count; ++j) {
+          if (j != 0) out += any_accents;
+          append_letter(items[k + j].unit, out);
+        }
+        out += u')';
+        k += unit->count;
+      }
+    }
+    i = end;
     letter = true;
     open = true;
   }

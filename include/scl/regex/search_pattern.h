@@ -200,7 +200,10 @@
 // "CAF\u00c9" but not "caf\u00e8", "[^e]" matches "\u00e9", and "." matches a
 // letter with its accents. Where diacritics are matched where typed, a letter
 // of a literal or a class matches the letter with any accents, an accent of
-// a literal matches that accent. Under ignore_punctuation, punctuation in
+// a literal matches that accent, and a literal's letters match a letter of
+// the text that stands for several ("ss" and "\u00df") wherever the text
+// joins them (in a run with at most 1024 ways to join, fifteen "s" in a row;
+// a longer run is joined from the left). Under ignore_punctuation, punctuation in
 // literals folds to nothing and a class keeps no member that folds to
 // nothing: "new ?york" finds "New York", and "\\s" matches nothing. whole_words
 // applies to the edges of each match; a match that ICU finds but the rules
