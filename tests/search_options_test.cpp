@@ -329,6 +329,11 @@ TEST(SearchFoldWithOptions, AccentsFoldApartFromTheirLetters) {
   EXPECT_EQ(re::search_fold(u"Caf\u00e9", with(true, re::diacritics_rule::match)).text(),
             u"Cafe\u0301");
   EXPECT_EQ(re::search_fold(u"Caf\u00e9", kMatchCase).text(), u"Cafe");
+  // Accents in the order the collator reads them, whatever class their
+  // representatives have.
+  EXPECT_EQ(re::search_fold(u"\u01fe", kMatch).text(), u"o\u0338\u0301");
+  EXPECT_EQ(re::search_fold(u"a\u0352\u035c", kMatch).text(), u"a\u030d\u0316");
+  EXPECT_EQ(re::search_fold(u"a\u030d\u0316", kMatch).text(), u"a\u0316\u030d");
   // Punctuation folds to nothing, an empty piece of its own.
   const re::prepared_text punctuation = re::search_fold(u"e-mail", kPunctuation);
   EXPECT_EQ(punctuation.text(), u"email");

@@ -1,7 +1,9 @@
 #include "search/folded_text.h"
 
 #include <algorithm>
+#include <array>
 #include <string>
+#include <vector>
 
 #include <unicode/uchar.h>
 #include <unicode/unorm2.h>
@@ -43,6 +45,16 @@ constexpr int32_t longest_fold = 32;  // units; the longest fold has 18
 constexpr int32_t chunk = 1 << 16;
 
 bool is_l(UChar32 c) { return c == u'l' || c == u'L'; }
+
+// ICU's NFD, for the marks a letter decomposes to (null if ICU has none).
+const UNormalizer2* nfd_instance() {
+  static const UNormalizer2* const nfd = [] {
+    UErrorCode status = U_ZERO_ERROR;
+    const UNormalizer2* instance = unorm2_getNFDInstance(&status);
+    return U_SUCCESS(status) ? instance : nullptr;
+  }();
+  return nfd;
+}
 
 template <class Unit>
 class folder {
@@ -313,22 +325,67 @@ class folder {
     }
     const int32_t from = out_.size;
     put_fold(c, value, out_.origin[out_.size - 1]);
-    order_accents(from);
+    order_accents(from, c);
   }
 
-  // Moves the accents folded from `from` on before the accents of their piece
-  // with a higher combining class: the canonical order in which the collator
-  // reads them ("\u00f3" U+0338 folds as "\u01fe" does).
-  void order_accents(int32_t from) {
+  // Moves the accents folded from `c` (from `from` on) before the accents of
+  // their piece with a higher combining class: the canonical order in which
+  // the collator reads them ("\u00f3" U+0338 folds as "\u01fe" does). The
+  // class is that of the mark folded, not of its representative, which may
+  // differ (U+035C, class 233, folds to U+0316, class 220).
+  void order_accents(int32_t from, UChar32 c) {
+    classes_.resize(static_cast<std::size_t>(out_.size), kUnknownClass);
+    classify(from, c);
     for (int32_t k = from; k < out_.size; ++k) {
-      const uint8_t klass = unorm2_getCombiningClass(table_.nfc(), out_.units[k]);
+      const uint8_t klass = class_at(k);
       if (klass == 0) continue;
-      for (int32_t j = k; j > 0 && out_.origin[j - 1] == out_.origin[j] &&
-                          unorm2_getCombiningClass(table_.nfc(), out_.units[j - 1]) > klass;
+      for (int32_t j = k; j > 0 && out_.origin[j - 1] == out_.origin[j] && class_at(j - 1) > klass;
            --j) {
         std::swap(out_.units[j - 1], out_.units[j]);
+        std::swap(classes_[static_cast<std::size_t>(j - 1)], classes_[static_cast<std::size_t>(j)]);
       }
     }
+  }
+
+  // Records the classes of the accents folded from `c`, at [from, size): that
+  // of `c` if it is a mark; if it is a letter with marks, theirs in order.
+  void classify(int32_t from, UChar32 c) {
+    const uint8_t own = u_getCombiningClass(c);
+    std::array<uint8_t, 8> marks{};
+    std::size_t mark_count = 0;
+    std::size_t accent_count = 0;
+    for (int32_t k = from; k < out_.size; ++k) {
+      if (representative_class(k) != 0) ++accent_count;
+    }
+    if (accent_count == 0) return;
+    if (own == 0) {
+      if (nfd_ == nullptr) return;
+      UErrorCode status = U_ZERO_ERROR;
+      std::array<UChar, 32> decomposition{};
+      const int32_t length = unorm2_getDecomposition(
+          nfd_, c, decomposition.data(), static_cast<int32_t>(decomposition.size()), &status);
+      for (int32_t k = 0; U_SUCCESS(status) && k < length;) {
+        const uint8_t klass = u_getCombiningClass(next_code_point(decomposition.data(), k, length));
+        if (klass == 0) continue;
+        if (mark_count == marks.size()) return;
+        marks[mark_count++] = klass;
+      }
+      if (mark_count != accent_count) return;  // as their representatives say
+    }
+    std::size_t mark = 0;
+    for (int32_t k = from; k < out_.size; ++k) {
+      if (representative_class(k) == 0) continue;
+      classes_[static_cast<std::size_t>(k)] = own != 0 ? own : marks[mark++];
+    }
+  }
+
+  uint8_t representative_class(int32_t at) const {
+    return unorm2_getCombiningClass(table_.nfc(), out_.units[at]);
+  }
+
+  uint8_t class_at(int32_t at) const {
+    const uint8_t known = classes_[static_cast<std::size_t>(at)];
+    return known != kUnknownClass ? known : representative_class(at);
   }
 
   // Whether the root collator reads `c` as nothing at primary strength.
@@ -452,7 +509,7 @@ class folder {
       } else if (!(after_punctuation && primary_ignorable(c))) {
         const int32_t from = out_.size;
         put_fold(c, table_.value(c), start);
-        if (accents_) order_accents(from);
+        if (accents_) order_accents(from, c);
       }
       if (shifted_accents && !primary_ignorable(c)) {
         after_punctuation = variable(c) || table_.variable_end(c);
@@ -489,6 +546,11 @@ class folder {
   bool last_piece_empty_ = false;    // whether the last piece folded to nothing
   std::u16string segment_;
   std::u16string normalised_;
+  // With accents: the combining class of each accent unit folded, where it
+  // is not its representative's (see order_accents).
+  static constexpr uint8_t kUnknownClass = 0xFF;
+  std::vector<uint8_t> classes_;
+  const UNormalizer2* nfd_ = nfd_instance();
 };
 
 }  // namespace

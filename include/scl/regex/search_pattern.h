@@ -184,11 +184,14 @@
 // The fold under options. Each code point folds to the representatives of
 // its collation elements at the options' levels, as above: with the case
 // level, capitals fold to capitals ("\u00c9" to "E"); with diacritics matched,
-// a letter and its accents fold apart, in canonical order ("\u00e9" to "e"
-// U+0301, "\u0142" to "l" U+0335, "\u01fe" to "o" U+0338 U+0301), an accent
-// joins the piece of the letter before it as a mark does, and "\u00df" stays
-// "\u00df" (its first s has a secondary weight of its own, which no character
-// has alone). The dot of the root collator's "l\u00b7" is such a weight too: it
+// a letter and its accents fold apart, in the canonical order of the marks
+// they stand for, which is the order the collator reads them ("\u00e9" to
+// "e" U+0301, "\u0142" to "l" U+0335, "\u01fe" to "o" U+0338 U+0301; a few
+// marks fold to an accent of another combining class, so "a\u0352\u035c"
+// folds to "a" U+030D U+0316, and folding that again gives "a" U+0316
+// U+030D, as the collator reads it), an accent joins the piece of the
+// letter before it as a mark does, and "\u00df" stays "\u00df" (its first s
+// has a secondary weight of its own, which no character has alone). The dot of the root collator's "l\u00b7" is such a weight too: it
 // folds to U+0387 (which NFC never lets through), a piece of its own, and
 // "\u0140" to "l" U+0387.
 //
