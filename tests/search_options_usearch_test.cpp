@@ -103,7 +103,8 @@ INSTANTIATE_TEST_SUITE_P(Options, EveryCombination, testing::ValuesIn(every_comb
 
 // The difference the header lists: with "shifted", usearch reads the second
 // half of a long primary weight as punctuation where it falls below the
-// variable top; search folding follows the collator.
+// variable top, and as a letter where it does not but the first half does;
+// search folding follows the collator.
 TEST(OptionsDocumentedDifferences, UsearchReadsHalfALongWeightAsPunctuation) {
   const re::search_options punctuation =
       make_options(false, re::diacritics_rule::ignore, false, true);
@@ -118,6 +119,18 @@ TEST(OptionsDocumentedDifferences, UsearchReadsHalfALongWeightAsPunctuation) {
             re::search_fold(u"\u4e01", punctuation).text());
   EXPECT_TRUE(continuation_read_as_punctuation(0x4E00));
   EXPECT_FALSE(continuation_read_as_punctuation(u'a'));
+  // Punctuation whose second half usearch reads as a letter: it looks for
+  // that half.
+  EXPECT_EQ(oracle.find_all(u"1\u0707", u"1", failed), ranges{});
+  EXPECT_EQ(oracle.find_all(u"1.", u"1", failed), (ranges{{0, 1}}));
+  EXPECT_EQ(
+      ranges_of(
+          re::search_pattern(u"1\u0707", re::query_syntax::literal, punctuation).find_all(u"1")),
+      (ranges{{0, 1}}));
+  EXPECT_TRUE(punctuation_half_read_as_letter(0x0707));
+  EXPECT_FALSE(punctuation_half_read_as_letter(u'.'));
+  EXPECT_FALSE(punctuation_half_read_as_letter(0x4E00));
+  EXPECT_EQ(excluded(oracle, punctuation, u"1\u0707", u"1"), exclusion::punctuation_half_as_letter);
   // With accents, usearch ignores the accent after such a character.
   const re::search_options accents = make_options(false, re::diacritics_rule::match, false, true);
   usearch_oracle accent_oracle(accents);

@@ -235,6 +235,7 @@ enum class exclusion {
   query_ends_in_prevowel,        // the collator swaps a prevowel and its consonant
   prevowel_swapped_on_one_side,  // ... on one side only
   continuation_as_punctuation,   // "shifted": usearch reads part of a long weight as punctuation
+  punctuation_half_as_letter,    // "shifted": ... or part of punctuation's as a letter
   long_run_without_primary,      // typed: usearch's buffer overflows after a match
 };
 
@@ -248,6 +249,8 @@ inline const char* name_of(exclusion kind) {
       return "a prevowel swapped on one side only";
     case exclusion::continuation_as_punctuation:
       return "a long weight that usearch reads as punctuation";
+    case exclusion::punctuation_half_as_letter:
+      return "punctuation with a long weight that usearch reads half as a letter";
     case exclusion::long_run_without_primary:
       return "a run of characters without a primary weight longer than usearch's buffer";
     case exclusion::none:
@@ -331,12 +334,20 @@ inline bool has_long_run_without_primary(const usearch_oracle& oracle, std::u16s
   return false;
 }
 
-// Whether a collation element of `c` has a primary weight too long for one
-// 32-bit order, whose second half usearch compares with the variable top as
-// if it were an element of its own: with "shifted", usearch reads it as
-// punctuation (it finds U+4E00 in U+4E01), where the collator does not.
-inline bool continuation_read_as_punctuation(UChar32 c) {
-  static std::unordered_map<UChar32, bool> known;
+// How usearch misreads the halves of a primary weight of `c` too long for one
+// 32-bit order: with "shifted", it compares the second half with the variable
+// top as if it were an element of its own. Where that half is below it,
+// usearch reads it as punctuation (it finds U+4E00 in U+4E01), where the
+// collator does not; where the first half is punctuation and the second is
+// not (U+0707), usearch reads the second as a letter, where the collator
+// ignores both.
+struct halves_misread {
+  bool as_punctuation = false;
+  bool as_letter = false;
+};
+
+inline halves_misread misread_halves(UChar32 c) {
+  static std::unordered_map<UChar32, halves_misread> known;
   const auto found = known.find(c);
   if (found != known.end()) return found->second;
   UErrorCode status = U_ZERO_ERROR;
@@ -346,15 +357,27 @@ inline bool continuation_read_as_punctuation(UChar32 c) {
   std::u16string text;
   append_code_point(text, c);
   ucol_setText(elements, text.data(), static_cast<int32_t>(text.size()), &status);
-  bool read = false;
+  halves_misread misread;
+  bool first_half_variable = false;
   for (int32_t order = ucol_next(elements, &status); order != UCOL_NULLORDER && U_SUCCESS(status);
        order = ucol_next(elements, &status)) {
     const auto bits = static_cast<uint32_t>(order);
-    if ((bits & 0xC0) == 0xC0 && bits < variable_top && (bits >> 16) != 0) read = true;
+    const bool variable = bits < variable_top && (bits >> 16) != 0;
+    if ((bits & 0xC0) != 0xC0) {
+      first_half_variable = variable;
+    } else if (variable) {
+      misread.as_punctuation = true;
+    } else if (first_half_variable) {
+      misread.as_letter = true;
+    }
   }
-  known.emplace(c, read);
-  return read;
+  known.emplace(c, misread);
+  return misread;
 }
+
+inline bool continuation_read_as_punctuation(UChar32 c) { return misread_halves(c).as_punctuation; }
+
+inline bool punctuation_half_read_as_letter(UChar32 c) { return misread_halves(c).as_letter; }
 
 inline exclusion excluded(const usearch_oracle& oracle, const re::search_options& options,
                           std::u16string_view query, std::u16string_view text) {
@@ -377,6 +400,11 @@ inline exclusion excluded(const usearch_oracle& oracle, const re::search_options
       if (side == text && !accents) break;
       for (const UChar32 c : code_points_of(side)) {
         if (continuation_read_as_punctuation(c)) return exclusion::continuation_as_punctuation;
+      }
+    }
+    for (const std::u16string_view side : {query, text}) {
+      for (const UChar32 c : code_points_of(side)) {
+        if (punctuation_half_read_as_letter(c)) return exclusion::punctuation_half_as_letter;
       }
     }
   }

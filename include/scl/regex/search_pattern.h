@@ -221,7 +221,10 @@
 //     U+4E01, and ignores an accent after such a character, where the
 //     collator calls them apart; search folding follows the collator (and
 //     search_fold must). Some ten thousand characters have such weights: Han
-//     ideographs, and letters of many other scripts.
+//     ideographs, and letters of many other scripts. Where the first half is
+//     punctuation and the second is not (some 280 characters, Syriac U+0707
+//     among them), usearch looks for the second as a letter, so "1\u0707"
+//     finds nothing, not even "1"; search folding ignores the character.
 //   - With diacritics matched where typed, usearch in ICU 72 keeps the
 //     collation elements it looks at in a buffer of 32 plus about 3 per query
 //     character. Where more accents (or other characters without a primary
