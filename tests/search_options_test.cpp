@@ -235,6 +235,15 @@ TEST(DiacriticsMatchTyped, CanonicallyEquivalentTextsGiveTheSameMatches) {
     }
     EXPECT_EQ(find(u"(?:x\u035b)", texts[0], kTyped, re::query_syntax::regex), ranges{});
   }
+  // The typed accent matches the text's first accent after the control, and
+  // the letter after it ("\u0369" folds to "d") ends the match inside a piece:
+  // no match, however the marks are written.
+  const std::u16string nul(1, u'\0');
+  for (const std::u16string& text :
+       {u"c" + nul + u"\u0362\u0369\u0301\u0317.", u"c" + nul + u"\u0317\u0369\u0301\u0362."}) {
+    EXPECT_EQ(find(u"c\u0362", text, kTyped), ranges{});
+    EXPECT_EQ(find(u"(?:c\u0362)", text, kTyped, re::query_syntax::regex), ranges{});
+  }
 }
 
 TEST(MatchCase, CaseCountsAtTheStrengthOfTheDiacriticsRule) {

@@ -87,7 +87,11 @@ std::size_t typed_accents::match_from(const std::vector<element>& text, std::siz
   const std::size_t matched = j;
   const element& last = query_.back();
   for (; j < text.size(); ++j) {
-    if (text[j].primary != 0 && text[j].piece_end > tail) break;
+    if (text[j].primary != 0 && text[j].piece_end > tail) {
+      // The next letter: the match ends before it, if not inside its piece.
+      if (text[j].piece_start < text[matched - 1].piece_end) return 0;
+      break;
+    }
     if (text[j].primary != 0 || (last.primary == 0 && !text[j].same(last))) return 0;
   }
   return matched;
