@@ -191,9 +191,10 @@
 // folds to "a" U+030D U+0316, and folding that again gives "a" U+0316
 // U+030D, as the collator reads it), an accent joins the piece of the
 // letter before it as a mark does, and "\u00df" stays "\u00df" (its first s
-// has a secondary weight of its own, which no character has alone). The dot of the root collator's "l\u00b7" is such a weight too: it
-// folds to U+0387 (which NFC never lets through), a piece of its own, and
-// "\u0140" to "l" U+0387.
+// has a secondary weight of its own, which no character has alone). The
+// dot of the root collator's "l\u00b7" is such a weight too: it folds to
+// U+0387 (which NFC never lets through), a piece of its own, and "\u0140"
+// folds to "l" U+0387.
 //
 // Regex queries under options fold by their syntax as above: literals fold
 // as text, and a class matches a folded character that is the fold of one of
