@@ -14,6 +14,7 @@
 #include <unicode/utf16.h>
 #include <unicode/utf8.h>
 
+#include "search/fold_collation.h"
 #include "search/fold_table.h"
 #include "search/fold_table_build.h"
 #include "search/fold_table_data.h"
@@ -68,14 +69,16 @@ TEST(FoldTable, BuiltInIsWhatTheRunningIcuGives) {
                                        image.variable_ends.data(),
                                        image.variable_ends.size(),
                                        {image.composites[0].data(), image.composites[1].data()},
-                                       {image.composites[0].size(), image.composites[1].size()}};
+                                       {image.composites[0].size(), image.composites[1].size()},
+                                       nullptr,
+                                       0};
   for (int index = 0; index < detail::fold_variant::count; ++index) {
     SCOPED_TRACE("variant " + std::to_string(index));
     const detail::fold_variant variant = detail::fold_variant::at(index);
     const detail::fold_table_image& table = image.tables[static_cast<std::size_t>(index)];
     UErrorCode status = U_ZERO_ERROR;
-    const detail::fold_table rebuilt(variant, table.trie.data(), table.trie.size(),
-                                     table.pool.c_str(), lists, status);
+    const detail::fold_table rebuilt(detail::fold_collation::root(), variant, table.trie.data(),
+                                     table.trie.size(), table.pool.c_str(), lists, status);
     ASSERT_EQ(status, U_ZERO_ERROR);
     const detail::fold_table& built_in = detail::fold_table::get(variant);
     EXPECT_EQ(built_in.variant(), variant);

@@ -124,22 +124,28 @@ TEST(SearchOptions, AnOptionsValueOutOfRangeIsAnError) {
   }
 }
 
-TEST(SearchOptions, ALocaleIsNotSupportedYet) {
-  re::search_options options;
-  options.locale = "sv";
-  try {
-    const re::search_pattern pattern(u"x", re::query_syntax::literal, options);
-    FAIL() << "accepted";
-  } catch (const re::regex_exception& e) {
-    EXPECT_EQ(e.getErrorCodeMnemonic(), "U_UNSUPPORTED_ERROR");
+// The locale is a BCP 47 tag: an ill-formed one is rejected before the query
+// is read, with offset npos.
+TEST(SearchOptions, AnIllFormedLocaleTagIsAnIllegalArgument) {
+  for (const char* tag : {"sv!", "en--US", "a b", "-", "sv-", "toolongsubtag"}) {
+    SCOPED_TRACE(tag);
+    re::search_options options;
+    options.locale = tag;
+    try {
+      const re::search_pattern pattern(u"(", re::query_syntax::regex, options);
+      FAIL() << "accepted";
+    } catch (const re::regex_exception& e) {
+      EXPECT_EQ(e.getErrorCodeMnemonic(), "U_ILLEGAL_ARGUMENT_ERROR");
+    }
+    EXPECT_THROW((void)re::search_fold(u"x", options), re::regex_exception);
+    const std::optional<re::pattern_error> error =
+        re::search_pattern::check("x", re::query_syntax::literal, options);
+    ASSERT_TRUE(error.has_value());
+    EXPECT_EQ(error->error.getErrorCodeMnemonic(), "U_ILLEGAL_ARGUMENT_ERROR");
+    EXPECT_EQ(error->offset, re::npos);
+    EXPECT_NE(error->description.find("locale"), std::string::npos);
   }
-  const std::optional<re::pattern_error> error =
-      re::search_pattern::check(u"x", re::query_syntax::literal, options);
-  ASSERT_TRUE(error.has_value());
-  EXPECT_EQ(error->error.getErrorCodeMnemonic(), "U_UNSUPPORTED_ERROR");
-  EXPECT_NE(error->description.find("locale"), std::string::npos);
 }
-
 TEST(SearchOptions, CheckAcceptsGoodOptionsAsTheConstructorDoes) {
   const re::search_options options = with(true, re::diacritics_rule::match, true, true);
   EXPECT_FALSE(re::search_pattern::check(u"x", re::query_syntax::literal, options));

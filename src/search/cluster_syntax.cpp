@@ -32,15 +32,12 @@ struct cluster_syntax::alphabet {
 };
 
 const cluster_syntax::alphabet& cluster_syntax::alphabet_of(const fold_table& table) {
-  static std::array<std::once_flag, fold_variant::count> once;
-  static std::array<std::unique_ptr<const alphabet>, fold_variant::count> made;
-  const auto index = static_cast<std::size_t>(table.variant().index());
-  std::call_once(once[index], [&] {
+  return table.derived<alphabet>(fold_table::slot::alphabet, [&] {
     auto result = std::make_unique<alphabet>();
     const code_point_bits& folds = fold_runs::of(table).alphabet;
-    const fold_table& root = fold_table::get();
-    const fold_table& letters = fold_table::get(table.variant().without_accents());
-    const fold_table& without_case = fold_table::get(table.variant().without_case());
+    const fold_table& root = table.sibling({});
+    const fold_table& letters = table.sibling(table.variant().without_accents());
+    const fold_table& without_case = table.sibling(table.variant().without_case());
     std::u16string fold;
     auto first_of = [&](const fold_table& from, UChar32 c, UChar32& first) {
       fold.clear();
@@ -86,9 +83,8 @@ const cluster_syntax::alphabet& cluster_syntax::alphabet_of(const fold_table& ta
     }
     append_set(result->accents, true, folds, result->any_accents);
     result->any_accents += u'*';
-    made[index] = std::move(result);
+    return std::unique_ptr<const alphabet>(std::move(result));
   });
-  return *made[index];
 }
 
 cluster_syntax::cluster_syntax(const fold_table& table, bool typed)
@@ -100,7 +96,7 @@ void cluster_syntax::append_accent(UChar32 accent, std::u16string& out) const {
   // The case level does not look at accents.
   if (table_.variant().case_level) {
     std::u16string fold;
-    fold_table::get(table_.variant().without_case()).append_fold(accent, fold);
+    table_.sibling(table_.variant().without_case()).append_fold(accent, fold);
     int32_t at = 0;
     const auto length = static_cast<int32_t>(fold.size());
     const auto same = length == 0
@@ -120,16 +116,16 @@ bool cluster_syntax::common(UChar32 letter) const {
   // The letter has the common secondary weight when it is what its fold
   // without accents folds to with them.
   std::u16string base;
-  fold_table::get(table_.variant().without_accents()).append_fold(letter, base);
+  table_.sibling(table_.variant().without_accents()).append_fold(letter, base);
   std::u16string back;
   int32_t at = 0;
   const auto length = static_cast<int32_t>(base.size());
   if (length == 0) return false;
   const UChar32 first = next_code_point(base.data(), at, length);
   if (at != length) return false;
-  fold_table::get(table_.variant().without_case()).append_fold(first, back);
+  table_.sibling(table_.variant().without_case()).append_fold(first, back);
   std::u16string self;
-  fold_table::get(table_.variant().without_case()).append_fold(letter, self);
+  table_.sibling(table_.variant().without_case()).append_fold(letter, self);
   return back == self;
 }
 
@@ -193,7 +189,7 @@ cluster_syntax::typed_end cluster_syntax::append_literal(std::u16string_view uni
     items.push_back({unit, accent(unit)});
   }
   const std::u16string& any_accents = alphabet_.any_accents;
-  const fold_table& letters = fold_table::get(table_.variant().without_accents());
+  const fold_table& letters = table_.sibling(table_.variant().without_accents());
   // Where consecutive letters, typed without accents, could be one letter of
   // the text that stands for several ("ss" for "\u00df"): the composites that
   // may stand for items [i, i + count).
@@ -331,8 +327,9 @@ void cluster_syntax::append_members(const class_set& set, std::u16string& out) c
       const std::uint32_t value = runs.values[run];
       if (fold_value::kind(value) == fold_kind::pool) {
         // A letter and its accents, or accents alone: one cluster.
-        const char16_t* units = table_.pool() + fold_value::pool_offset(value);
-        const auto length = static_cast<int32_t>(fold_value::pool_length(value));
+        const std::u16string_view fold = table_.pool_fold(value);
+        const char16_t* units = fold.data();
+        const auto length = static_cast<int32_t>(fold.size());
         int32_t at = 0;
         const UChar32 head = next_code_point(units, at, length);
         if (at == length) {

@@ -43,10 +43,11 @@ void set_folds(const fold_table& table, UChar32 first, UChar32 last, std::uint32
       bits.set(first + fold_value::delta(value), last + fold_value::delta(value));
       break;
     case fold_kind::pool: {
-      const char16_t* units = table.pool() + fold_value::pool_offset(value);
-      const auto length = static_cast<int32_t>(fold_value::pool_length(value));
+      const std::u16string_view units = table.pool_fold(value);
+      const auto length = static_cast<int32_t>(units.size());
       int32_t at = 0;
-      const UChar32 fold = next_code_point(units, at, length);
+      if (length == 0) break;
+      const UChar32 fold = next_code_point(units.data(), at, length);
       if (at == length) bits.set(fold, fold);
       break;
     }
@@ -54,6 +55,19 @@ void set_folds(const fold_table& table, UChar32 first, UChar32 last, std::uint32
       break;
   }
 }
+
+namespace {
+
+// Sets in `bits` every code point of `units`.
+void set_units(std::u16string_view units, code_point_bits& bits) {
+  const auto length = static_cast<int32_t>(units.size());
+  for (int32_t at = 0; at < length;) {
+    const UChar32 unit = next_code_point(units.data(), at, length);
+    bits.set(unit, unit);
+  }
+}
+
+}  // namespace
 
 fold_runs::fold_runs(const fold_table& table) {
   for (UChar32 c = 0; c < code_point_bits::limit;) {
@@ -63,16 +77,14 @@ fold_runs::fold_runs(const fold_table& table) {
     values.push_back(value);
     if (fold_value::kind(value) == fold_kind::pool) {
       // Every code point of a fold of several.
-      const char16_t* units = table.pool() + fold_value::pool_offset(value);
-      const auto length = static_cast<int32_t>(fold_value::pool_length(value));
-      for (int32_t at = 0; at < length;) {
-        const UChar32 unit = next_code_point(units, at, length);
-        alphabet.set(unit, unit);
-      }
+      set_units(table.pool_fold(value), alphabet);
     } else {
       set_folds(table, c, end, value, alphabet);
     }
     c = end + 1;
+  }
+  for (const contraction_fold* c = table.contractions_begin(); c != table.contractions_end(); ++c) {
+    set_units(c->fold, alphabet);
   }
   if (table.variant().accents) alphabet.set(dot_accent, dot_accent);
   UErrorCode status = U_ZERO_ERROR;
@@ -84,11 +96,8 @@ fold_runs::fold_runs(const fold_table& table) {
 }
 
 const fold_runs& fold_runs::of(const fold_table& table) {
-  static std::array<std::once_flag, fold_variant::count> once;
-  static std::array<std::unique_ptr<const fold_runs>, fold_variant::count> runs;
-  const auto index = static_cast<std::size_t>(table.variant().index());
-  std::call_once(once[index], [&] { runs[index] = std::make_unique<const fold_runs>(table); });
-  return *runs[index];
+  return table.derived<fold_runs>(fold_table::slot::runs,
+                                  [&] { return std::make_unique<const fold_runs>(table); });
 }
 
 std::size_t fold_runs::run_of(UChar32 c) const {

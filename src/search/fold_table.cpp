@@ -11,97 +11,22 @@
 
 #include "scl/regex/exception.h"
 #include "search/code_points.h"
-#include "search/fold_table_build.h"
-#include "search/fold_table_data.h"
+#include "search/fold_collation.h"
 
 namespace scl::regex::detail {
 
-namespace {
-
-bool built_for_running_icu() {
-  UVersionInfo icu;
-  UVersionInfo unicode;
-  u_getVersion(icu);
-  u_getUnicodeVersion(unicode);
-  return std::memcmp(icu, fold_table_data::icu_version, sizeof icu) == 0 &&
-         std::memcmp(unicode, fold_table_data::unicode_version, sizeof unicode) == 0;
-}
-
-// What the tables of every variant are made from, and the tables, each
-// loaded at its first use.
-struct fold_table_set {
-  fold_tables_image image;  // empty for the tables computed at build time
-  fold_table_lists lists{};
-  std::array<std::once_flag, fold_variant::count> loaded;
-  std::array<std::unique_ptr<fold_table>, fold_variant::count> tables;
-};
-
-// The tables computed at build time.
-void use_embedded(fold_table_set& set) {
-  namespace data = fold_table_data;
-  set.lists = {data::prevowel_pairs,
-               data::prevowel_pair_count,
-               data::dropped_starts,
-               data::dropped_start_count,
-               data::variable_ends,
-               data::variable_end_count,
-               {data::composites, data::case_composites},
-               {data::composite_count, data::case_composite_count}};
-}
-
-// The tables built at run time, for an ICU other than the one at build time.
-void rebuild(fold_table_set& set) {
-  fold_tables_image& image = set.image;
-  const UErrorCode status = build_fold_tables(image);
-  if (U_FAILURE(status)) throw regex_exception(status);
-  set.lists = {image.prevowel_pairs.data(),
-               image.prevowel_pairs.size(),
-               image.dropped_starts.data(),
-               image.dropped_starts.size(),
-               image.variable_ends.data(),
-               image.variable_ends.size(),
-               {image.composites[0].data(), image.composites[1].data()},
-               {image.composites[0].size(), image.composites[1].size()}};
-}
-
-// Made once, where it stays: the tables point into it.
-fold_table_set& load() {
-  static const std::unique_ptr<fold_table_set> set = [] {
-    auto loaded = std::make_unique<fold_table_set>();
-    if (built_for_running_icu()) {
-      use_embedded(*loaded);
-    } else {
-      rebuild(*loaded);
-    }
-    return loaded;
-  }();
-  return *set;
-}
-
-}  // namespace
-
 const fold_table& fold_table::get(fold_variant variant) {
-  static fold_table_set& set = load();
-  const auto index = static_cast<std::size_t>(variant.index());
-  std::call_once(set.loaded[index], [&] {
-    const bool embedded = set.image.tables[index].trie.empty();
-    const std::uint8_t* trie =
-        embedded ? fold_table_data::tables[index].trie : set.image.tables[index].trie.data();
-    const std::size_t trie_size =
-        embedded ? fold_table_data::tables[index].trie_size : set.image.tables[index].trie.size();
-    const char16_t* pool =
-        embedded ? fold_table_data::tables[index].pool : set.image.tables[index].pool.c_str();
-    UErrorCode status = U_ZERO_ERROR;
-    auto table = std::make_unique<fold_table>(variant, trie, trie_size, pool, set.lists, status);
-    if (U_FAILURE(status)) throw regex_exception(status);
-    set.tables[index] = std::move(table);
-  });
-  return *set.tables[index];
+  return fold_collation::root().table(variant);
 }
 
-fold_table::fold_table(fold_variant variant, const std::uint8_t* trie, std::size_t trie_size,
-                       const char16_t* pool, const fold_table_lists& lists, UErrorCode& status)
-    : variant_(variant), pool_(pool), lists_(&lists) {
+const fold_table& fold_table::sibling(fold_variant variant) const {
+  return collation_->table(variant);
+}
+
+fold_table::fold_table(const fold_collation& collation, fold_variant variant,
+                       const std::uint8_t* trie, std::size_t trie_size, const char16_t* pool,
+                       const fold_table_lists& lists, UErrorCode& status)
+    : collation_(&collation), variant_(variant), pool_(pool), lists_(&lists) {
   if (U_FAILURE(status)) return;
   trie_ = ucptrie_openFromBinary(UCPTRIE_TYPE_FAST, UCPTRIE_VALUE_BITS_32, trie,
                                  static_cast<int32_t>(trie_size), nullptr, &status);
@@ -121,8 +46,8 @@ fold_table::fold_table(fold_variant variant, const std::uint8_t* trie, std::size
       }
       case fold_kind::pool: {
         const char16_t* units = pool_ + fold_value::pool_offset(value);
-        if (fold_value::pool_length(value) == 2 && units[0] != 0 && units[1] != 0 &&
-            !U16_IS_SURROGATE(units[0]) && !U16_IS_SURROGATE(units[1])) {
+        if (fold_value::pool_length(value) == 2 && !starts_contractions(value) && units[0] != 0 &&
+            units[1] != 0 && !U16_IS_SURROGATE(units[0]) && !U16_IS_SURROGATE(units[1])) {
           packed = units[0] | static_cast<std::uint32_t>(units[1]) << 16;
         }
         break;
@@ -169,7 +94,7 @@ void fold_table::append_fold(UChar32 c, std::u16string& out) const {
       append_code_point(out, c + fold_value::delta(value));
       break;
     case fold_kind::pool:
-      out.append(pool_ + fold_value::pool_offset(value), fold_value::pool_length(value));
+      out.append(pool_fold(value));
       break;
     case fold_kind::nothing:
       break;

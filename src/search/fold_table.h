@@ -1,12 +1,16 @@
-// The fold tables of the running process: one per fold variant, read-only,
-// shared by all threads.
+// A fold table: how one collation, read at the levels of one fold variant,
+// folds every code point. Read-only, shared by all threads, kept for the life
+// of the process (fold_collation.h makes them).
 #ifndef SCL_REGEX_SRC_SEARCH_FOLD_TABLE_H
 #define SCL_REGEX_SRC_SEARCH_FOLD_TABLE_H
 
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <mutex>
 #include <string>
+#include <string_view>
+#include <utility>
 
 #include <unicode/ucptrie.h>
 #include <unicode/unorm2.h>
@@ -16,6 +20,8 @@
 #include "search/fold_variant.h"
 
 namespace scl::regex::detail {
+
+class fold_collation;
 
 // What the tables of all variants share (see fold_tables_image).
 struct fold_table_lists {
@@ -27,28 +33,54 @@ struct fold_table_lists {
   std::size_t variable_end_count;
   const composite_unit* composites[2];  // without case, with case
   std::size_t composite_count[2];
+  const contraction_fold* contractions;  // a tailored collator's, sorted by text
+  std::size_t contraction_count;
 };
 
 class fold_table {
  public:
-  // The table of `variant`. The first call loads the tables computed at build
-  // time (some tens of microseconds), or builds them anew if the running ICU
-  // is not the one they were computed with. Throws regex_exception with ICU's
-  // code if ICU fails.
+  // The root collator's table of `variant`. The first call loads the tables
+  // computed at build time (some tens of microseconds), or builds them anew if
+  // the running ICU is not the one they were computed with. Throws
+  // regex_exception with ICU's code if ICU fails.
   static const fold_table& get(fold_variant variant = {});
 
-  // Loads a table from `trie` and `pool`, which must outlive it, as must `lists`.
-  fold_table(fold_variant variant, const std::uint8_t* trie, std::size_t trie_size,
-             const char16_t* pool, const fold_table_lists& lists, UErrorCode& status);
+  // Loads the table of `variant` of `collation` from `trie` and `pool`, which
+  // must outlive it, as must `lists`.
+  fold_table(const fold_collation& collation, fold_variant variant, const std::uint8_t* trie,
+             std::size_t trie_size, const char16_t* pool, const fold_table_lists& lists,
+             UErrorCode& status);
   fold_table(const fold_table&) = delete;
   fold_table& operator=(const fold_table&) = delete;
   ~fold_table();
 
+  const fold_collation& collation() const { return *collation_; }
+  // The table of the same collation for `variant`.
+  const fold_table& sibling(fold_variant variant) const;
   fold_variant variant() const { return variant_; }
 
   std::uint32_t value(UChar32 c) const { return UCPTRIE_FAST_GET(trie_, UCPTRIE_32, c); }
   std::uint32_t bmp_value(char16_t c) const { return UCPTRIE_FAST_BMP_GET(trie_, UCPTRIE_32, c); }
-  const char16_t* pool() const { return pool_; }
+  // The fold of a code point whose value is of kind pool.
+  std::u16string_view pool_fold(std::uint32_t value) const {
+    const char16_t* units = pool_ + fold_value::pool_offset(value);
+    std::size_t length = fold_value::pool_length(value);
+    if (length != 0 && units[0] == fold_value::contraction_mark) {
+      ++units;
+      --length;
+    }
+    return {units, length};
+  }
+  // Whether the code point whose value is `value` starts contractions.
+  bool starts_contractions(std::uint32_t value) const {
+    return fold_value::kind(value) == fold_kind::pool && fold_value::pool_length(value) != 0 &&
+           pool_[fold_value::pool_offset(value)] == fold_value::contraction_mark;
+  }
+  // The contractions, sorted by text (none for the root collator).
+  const contraction_fold* contractions_begin() const { return lists_->contractions; }
+  const contraction_fold* contractions_end() const {
+    return lists_->contractions + lists_->contraction_count;
+  }
 
   // The last code point of the run from `start` whose folds are all alike:
   // each folds to itself, or all to themselves plus one delta, or all to one
@@ -82,13 +114,29 @@ class fold_table {
   static constexpr char16_t latin_limit = 0x300;
   std::uint32_t latin(char16_t c) const { return latin_[c]; }
 
+  // Data derived from the table, made by `make` (returning std::unique_ptr<const T>)
+  // at its first use and kept with it. Each kind of data has its own slot.
+  enum class slot { runs, alphabet, count };
+  template <class T, class Make>
+  const T& derived(slot which, Make make) const {
+    const auto index = static_cast<std::size_t>(which);
+    std::call_once(derived_once_[index], [&] {
+      std::unique_ptr<const T> made = make();
+      derived_[index] = std::shared_ptr<const void>(std::move(made));
+    });
+    return *static_cast<const T*>(derived_[index].get());
+  }
+
  private:
+  const fold_collation* collation_;
   fold_variant variant_;
   UCPTrie* trie_ = nullptr;
   const char16_t* pool_ = nullptr;
   const fold_table_lists* lists_ = nullptr;
   const UNormalizer2* nfc_ = nullptr;
   std::uint32_t latin_[latin_limit] = {};
+  mutable std::once_flag derived_once_[static_cast<std::size_t>(slot::count)];
+  mutable std::shared_ptr<const void> derived_[static_cast<std::size_t>(slot::count)];
 };
 
 }  // namespace scl::regex::detail

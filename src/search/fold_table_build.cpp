@@ -14,6 +14,7 @@
 #include <unicode/umutablecptrie.h>
 #include <unicode/unorm2.h>
 #include <unicode/uset.h>
+#include <unicode/ustring.h>
 #include <unicode/utf16.h>
 
 #include "search/code_points.h"
@@ -61,6 +62,12 @@ void collation_elements(UCollationElements* elements, const UChar* text, int32_t
     order = next;
   }
 }
+
+// A contraction and its collation elements.
+struct contraction_elements {
+  std::u16string text;
+  std::vector<collation_element> elements;
+};
 
 // The collation elements of every code point.
 struct element_table {
@@ -314,6 +321,35 @@ UErrorCode prevowel_contractions(const UCollator* collator, const UNormalizer2* 
   return status;
 }
 
+// Letters that NFC never lets through (they decompose to one smaller code
+// point, which has their collation elements), in order: no text folds to
+// them, so they can stand for a key that only contractions have.
+std::vector<UChar32> unused_singletons() {
+  std::vector<UChar32> singletons;
+  UErrorCode status = U_ZERO_ERROR;
+  const UNormalizer2* nfc = unorm2_getNFCInstance(&status);
+  if (U_FAILURE(status)) return singletons;
+  for (UChar32 c = 0; c < kCodePoints; ++c) {
+    if (U_IS_SURROGATE(c) || c == dot_accent || (U_GET_GC_MASK(c) & U_GC_L_MASK) == 0 ||
+        u_getCombiningClass(c) != 0 || class_of(c) != grapheme_class::other) {
+      continue;
+    }
+    std::array<UChar, 8> decomposition{};
+    const int32_t length = unorm2_getRawDecomposition(
+        nfc, c, decomposition.data(), static_cast<int32_t>(decomposition.size()), &status);
+    if (U_FAILURE(status)) {
+      status = U_ZERO_ERROR;
+      continue;
+    }
+    if (length <= 0 || u_countChar32(decomposition.data(), length) != 1) continue;
+    int32_t at = 0;
+    UChar32 d = 0;
+    U16_NEXT(decomposition.data(), at, length, d);
+    if (d < c) singletons.push_back(c);
+  }
+  return singletons;
+}
+
 // Appends `fold` to the pool (or finds it there) and returns its value.
 UErrorCode pool_value(const std::u16string& fold, std::u16string& pool,
                       std::map<std::u16string, std::uint32_t>& pooled, std::uint32_t& value) {
@@ -341,8 +377,10 @@ UErrorCode pool_value(const std::u16string& fold, std::u16string& pool,
 // other weights). With `composites`, lists those code points and their
 // elements, read by `primary` (the variant without accents).
 UErrorCode build_variant(const element_table& table, const element_reader& reader,
-                         const std::vector<std::uint32_t>& bits, fold_table_image& image,
-                         const representatives* primary, std::vector<composite_unit>* composites) {
+                         const std::vector<std::uint32_t>& bits, fold_table_image* image,
+                         const representatives* primary, std::vector<composite_unit>* composites,
+                         const std::vector<contraction_elements>& contractions = {},
+                         std::vector<contraction_fold>* contraction_folds = nullptr) {
   representatives reps(table, reader);
   std::vector<element_key> keys;
   // An accent's secondary weight that no character has alone (the dot of
@@ -403,8 +441,43 @@ UErrorCode build_variant(const element_table& table, const element_reader& reade
     std::sort(composites->begin(), composites->end(),
               [](const composite_unit& a, const composite_unit& b) { return a.unit < b.unit; });
   }
+  if (image == nullptr) return U_ZERO_ERROR;
 
-  image.pool.clear();
+  // The contractions: each folds as a code point with its keys would. A key
+  // that only contractions have (Slovak "ch") is given a stand-in of its own.
+  std::vector<UChar32> stand_ins = unused_singletons();
+  std::reverse(stand_ins.begin(), stand_ins.end());
+  std::map<UChar32, std::u16string> starters;  // the code points that start contractions
+  if (contraction_folds != nullptr) contraction_folds->clear();
+  for (const contraction_elements& contraction : contractions) {
+    reader.keys(contraction.elements.data(),
+                contraction.elements.data() + contraction.elements.size(), keys);
+    std::u16string fold;
+    if (const auto whole = wholes.find(keys); whole != wholes.end()) {
+      append_code_point(fold, whole->second.second);
+    } else {
+      for (const element_key key : keys) {
+        if (reps.of(key) < 0) {
+          if (stand_ins.empty()) return U_BUFFER_OVERFLOW_ERROR;
+          reps.assign(key, stand_ins.back());
+          stand_ins.pop_back();
+        }
+        append_code_point(fold, reps.of(key));
+      }
+    }
+    if (fold.size() > fold_value::max_length) return U_BUFFER_OVERFLOW_ERROR;
+    if (contraction_folds != nullptr) contraction_folds->push_back({contraction.text, fold});
+    int32_t at = 0;
+    UChar32 first = 0;
+    U16_NEXT(contraction.text.data(), at, static_cast<int32_t>(contraction.text.size()), first);
+    starters.emplace(first, std::u16string());
+  }
+  if (contraction_folds != nullptr) {
+    std::sort(contraction_folds->begin(), contraction_folds->end(),
+              [](const contraction_fold& a, const contraction_fold& b) { return a.text < b.text; });
+  }
+
+  image->pool.clear();
   std::map<std::u16string, std::uint32_t> pooled;
   UErrorCode status = U_ZERO_ERROR;
   icu::LocalUMutableCPTriePointer values(umutablecptrie_open(0, 0, &status));
@@ -429,7 +502,11 @@ UErrorCode build_variant(const element_table& table, const element_reader& reade
           ++code_points;
         }
       }
-      if (code_points == 0) {
+      if (starters.count(c) != 0) {
+        // Its fold alone, after the mark that says it starts contractions.
+        status = pool_value(fold_value::contraction_mark + fold, image->pool, pooled, value);
+        if (U_FAILURE(status)) return status;
+      } else if (code_points == 0) {
         value = fold_value::make(fold_kind::nothing, 0);
       } else if (code_points == 1 && only == c) {
         value = fold_value::make(fold_kind::self, 0);
@@ -439,7 +516,7 @@ UErrorCode build_variant(const element_table& table, const element_reader& reade
         }
         value = fold_value::make(fold_kind::delta, static_cast<std::uint32_t>(only - c));
       } else {
-        status = pool_value(fold, image.pool, pooled, value);
+        status = pool_value(fold, image->pool, pooled, value);
         if (U_FAILURE(status)) return status;
       }
     }
@@ -453,8 +530,111 @@ UErrorCode build_variant(const element_table& table, const element_reader& reade
   if (status != U_BUFFER_OVERFLOW_ERROR)
     return U_FAILURE(status) ? status : U_INTERNAL_PROGRAM_ERROR;
   status = U_ZERO_ERROR;
-  image.trie.assign(static_cast<std::size_t>(size), 0);
-  ucptrie_toBinary(trie.getAlias(), image.trie.data(), size, &status);
+  image->trie.assign(static_cast<std::size_t>(size), 0);
+  ucptrie_toBinary(trie.getAlias(), image->trie.data(), size, &status);
+  return status;
+}
+
+// What every table of a collator is made from: the collation elements of
+// every code point, read once.
+struct collation_data {
+  const UNormalizer2* nfc = nullptr;
+  std::uint32_t variable_top = 0;
+  element_table table;
+  std::unique_ptr<UCollationElements, decltype(&ucol_closeElements)> elements{nullptr,
+                                                                              &ucol_closeElements};
+
+  // Reads the elements of `collator`, and fills the image's lists.
+  UErrorCode read(const UCollator* collator, fold_tables_image& image) {
+    UErrorCode status = U_ZERO_ERROR;
+    nfc = unorm2_getNFCInstance(&status);
+    elements.reset(ucol_openElements(collator, nullptr, 0, &status));
+    variable_top = ucol_getVariableTop(collator, &status);
+    if (U_FAILURE(status)) return status;
+    table.elements.reserve(1200000);
+    for (UChar32 c = 0; c < kCodePoints; ++c) {
+      table.first[static_cast<std::size_t>(c)] = static_cast<std::uint32_t>(table.elements.size());
+      if (U_IS_SURROGATE(c)) continue;
+      const std::u16string text = code_point_text(c);
+      collation_elements(elements.get(), text.data(), static_cast<int32_t>(text.size()),
+                         table.elements, status);
+      if (U_FAILURE(status)) return status;
+    }
+    table.first[kCodePoints] = static_cast<std::uint32_t>(table.elements.size());
+
+    std::set<UChar32> prevowels;
+    status = prevowel_contractions(collator, nfc, prevowels, image.prevowel_pairs);
+    if (U_FAILURE(status)) return status;
+    list_mixed_punctuation(image);
+    primary_ = std::make_unique<representatives>(table, element_reader({}, variable_top));
+    primary_case_ = std::make_unique<representatives>(
+        table, element_reader(fold_variant{false, true, false}, variable_top));
+    return status;
+  }
+
+  // The representatives of the table without accents, with case or not.
+  const representatives& primary(bool case_level) const {
+    return case_level ? *primary_case_ : *primary_;
+  }
+
+ private:
+  // Characters whose primary elements mix punctuation with other elements.
+  void list_mixed_punctuation(fold_tables_image& image) const {
+    const element_reader primary_reader(fold_variant{}, variable_top);
+    image.dropped_starts.clear();
+    image.variable_ends.clear();
+    for (UChar32 c = 0; c < kCodePoints; ++c) {
+      if (U_IS_SURROGATE(c)) continue;
+      int variable_first = -1;
+      bool variable_last = false;
+      bool other = false;
+      for (const collation_element* e = table.begin(c); e != table.end(c); ++e) {
+        if (e->primary == 0) continue;
+        const bool variable = primary_reader.variable(*e);
+        if (variable_first < 0) variable_first = variable ? 1 : 0;
+        variable_last = variable;
+        other = other || !variable;
+      }
+      if (!other) continue;
+      if (variable_first == 1) image.dropped_starts.push_back(static_cast<char32_t>(c));
+      if (variable_last) image.variable_ends.push_back(static_cast<char32_t>(c));
+    }
+  }
+
+  std::unique_ptr<representatives> primary_;
+  std::unique_ptr<representatives> primary_case_;
+};
+
+// The contractions of `collator` that the root collator does not have, in
+// NFC, with their elements. (The root's own, Thai and Lao prevowels, Tibetan
+// vowels, "l\u00b7", are read as the root's tables read them.)
+UErrorCode tailored_contractions(const UCollator* collator, collation_data& data,
+                                 std::vector<contraction_elements>& out) {
+  UErrorCode status = U_ZERO_ERROR;
+  icu::LocalUCollatorPointer root(ucol_open("", &status));
+  icu::LocalUSetPointer root_set(uset_openEmpty());
+  icu::LocalUSetPointer set(uset_openEmpty());
+  ucol_getContractionsAndExpansions(root.getAlias(), root_set.getAlias(), nullptr, 1, &status);
+  ucol_getContractionsAndExpansions(collator, set.getAlias(), nullptr, 1, &status);
+  if (U_FAILURE(status)) return status;
+  uset_removeAll(set.getAlias(), root_set.getAlias());
+  out.clear();
+  const int32_t items = uset_getItemCount(set.getAlias());
+  for (int32_t i = 0; i < items; ++i) {
+    UChar32 low = 0;
+    UChar32 high = 0;
+    std::array<UChar, 64> buffer{};
+    const int32_t length = uset_getItem(set.getAlias(), i, &low, &high, buffer.data(),
+                                        static_cast<int32_t>(buffer.size()), &status);
+    if (U_FAILURE(status)) return status;
+    if (length < 2 || u_countChar32(buffer.data(), length) < 2) continue;
+    if (unorm2_isNormalized(data.nfc, buffer.data(), length, &status) == 0) continue;
+    contraction_elements contraction;
+    contraction.text.assign(buffer.data(), buffer.data() + length);
+    collation_elements(data.elements.get(), buffer.data(), length, contraction.elements, status);
+    if (U_FAILURE(status)) return status;
+    out.push_back(std::move(contraction));
+  }
   return status;
 }
 
@@ -462,70 +642,63 @@ UErrorCode build_variant(const element_table& table, const element_reader& reade
 
 UErrorCode build_fold_tables(fold_tables_image& image) {
   UErrorCode status = U_ZERO_ERROR;
-  const UNormalizer2* nfc = unorm2_getNFCInstance(&status);
   icu::LocalUCollatorPointer collator(ucol_open("", &status));
-  const std::unique_ptr<UCollationElements, decltype(&ucol_closeElements)> elements(
-      ucol_openElements(collator.getAlias(), nullptr, 0, &status), &ucol_closeElements);
-  const std::uint32_t variable_top = ucol_getVariableTop(collator.getAlias(), &status);
   if (U_FAILURE(status)) return status;
-
-  element_table table;
-  table.elements.reserve(1200000);
-  for (UChar32 c = 0; c < kCodePoints; ++c) {
-    table.first[static_cast<std::size_t>(c)] = static_cast<std::uint32_t>(table.elements.size());
-    if (U_IS_SURROGATE(c)) continue;
-    const std::u16string text = code_point_text(c);
-    collation_elements(elements.get(), text.data(), static_cast<int32_t>(text.size()),
-                       table.elements, status);
-    if (U_FAILURE(status)) return status;
-  }
-  table.first[kCodePoints] = static_cast<std::uint32_t>(table.elements.size());
-
+  collation_data data;
+  status = data.read(collator.getAlias(), image);
+  if (U_FAILURE(status)) return status;
   std::set<UChar32> prevowels;
-  status = prevowel_contractions(collator.getAlias(), nfc, prevowels, image.prevowel_pairs);
-  if (U_FAILURE(status)) return status;
+  for (const code_point_pair& pair : image.prevowel_pairs) {
+    prevowels.insert(static_cast<UChar32>(pair.first));
+  }
   std::vector<std::uint32_t> bits;
   status = character_bits(prevowels, bits);
   if (U_FAILURE(status)) return status;
 
   // The composite units of the accent tables, with and without case: their
   // elements are read by the tables without accents.
-  const element_reader primary_reader(fold_variant{}, variable_top);
-  const representatives primary(table, primary_reader);
-  const element_reader case_reader(fold_variant{false, true, false}, variable_top);
-  const representatives primary_case(table, case_reader);
   for (int index = 0; index < fold_variant::count; ++index) {
     const fold_variant variant = fold_variant::at(index);
     // (The tables with "shifted" have the same composite units.)
     const bool lists_composites = variant.accents && !variant.shifted;
-    status =
-        build_variant(table, element_reader(variant, variable_top), bits,
-                      image.tables[static_cast<std::size_t>(index)],
-                      variant.case_level ? &primary_case : &primary,
-                      lists_composites ? &image.composites[variant.case_level ? 1 : 0] : nullptr);
+    status = build_variant(
+        data.table, element_reader(variant, data.variable_top), bits,
+        &image.tables[static_cast<std::size_t>(index)], &data.primary(variant.case_level),
+        lists_composites ? &image.composites[variant.case_level ? 1 : 0] : nullptr);
     if (U_FAILURE(status)) return status;
   }
-
-  // Characters whose primary elements mix punctuation with other elements.
-  image.dropped_starts.clear();
-  image.variable_ends.clear();
-  for (UChar32 c = 0; c < kCodePoints; ++c) {
-    if (U_IS_SURROGATE(c)) continue;
-    int variable_first = -1;
-    bool variable_last = false;
-    bool other = false;
-    for (const collation_element* e = table.begin(c); e != table.end(c); ++e) {
-      if (e->primary == 0) continue;
-      const bool variable = primary_reader.variable(*e);
-      if (variable_first < 0) variable_first = variable ? 1 : 0;
-      variable_last = variable;
-      other = other || !variable;
-    }
-    if (!other) continue;
-    if (variable_first == 1) image.dropped_starts.push_back(static_cast<char32_t>(c));
-    if (variable_last) image.variable_ends.push_back(static_cast<char32_t>(c));
-  }
   return status;
+}
+
+UErrorCode build_fold_table(const UCollator* collator, fold_variant variant,
+                            std::vector<std::uint32_t> bits, fold_tables_image& image) {
+  if (bits.size() != static_cast<std::size_t>(kCodePoints)) return U_ILLEGAL_ARGUMENT_ERROR;
+  collation_data data;
+  UErrorCode status = data.read(collator, image);
+  if (U_FAILURE(status)) return status;
+  for (std::uint32_t& value : bits) value &= ~fold_value::prevowel_bit;
+  for (const code_point_pair& pair : image.prevowel_pairs) {
+    bits[static_cast<std::size_t>(pair.first)] |= fold_value::prevowel_bit;
+  }
+  std::vector<contraction_elements> contractions;
+  status = tailored_contractions(collator, data, contractions);
+  if (U_FAILURE(status)) return status;
+
+  const auto index = static_cast<std::size_t>(variant.index());
+  const representatives& primary = data.primary(variant.case_level);
+  std::vector<composite_unit>* composites =
+      variant.accents ? &image.composites[variant.case_level ? 1 : 0] : nullptr;
+  if (composites != nullptr && variant.shifted) {
+    // The composite units are those of the table without "shifted".
+    const fold_variant unshifted{variant.accents, variant.case_level, false};
+    status = build_variant(data.table, element_reader(unshifted, data.variable_top), bits, nullptr,
+                           &primary, composites);
+    if (U_FAILURE(status)) return status;
+    composites = nullptr;
+  }
+  return build_variant(data.table, element_reader(variant, data.variable_top), bits,
+                       &image.tables[index], &primary, composites, contractions,
+                       &image.contractions[index]);
 }
 
 }  // namespace scl::regex::detail

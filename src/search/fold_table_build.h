@@ -1,9 +1,10 @@
-// Computes the fold tables from the running ICU: its root collator, its
+// Computes the fold tables from the running ICU: a collator, its
 // normalisation data and its character break rules.
 //
-// The library's tables are computed at build time by fold_table_gen, with this
-// code, against the ICU it links; the same code builds them at run time when
-// the ICU found then is not that one.
+// The root collator's tables are computed at build time by fold_table_gen,
+// with this code, against the ICU the library links; the same code builds
+// them at run time when the ICU found then is not that one, and builds the
+// table of a tailored collator (a language's search rules) at its first use.
 #ifndef SCL_REGEX_SRC_SEARCH_FOLD_TABLE_BUILD_H
 #define SCL_REGEX_SRC_SEARCH_FOLD_TABLE_BUILD_H
 
@@ -12,6 +13,7 @@
 #include <string>
 #include <vector>
 
+#include <unicode/ucol.h>
 #include <unicode/utypes.h>
 
 #include "search/fold_value.h"
@@ -37,11 +39,21 @@ struct fold_tables_image {
   // The composite units of the accent tables without case and with it
   // (composites[1]); each sorted by unit.
   std::array<std::vector<composite_unit>, 2> composites;
+  // A tailored collator's contractions, by variant; each sorted by text.
+  std::array<std::vector<contraction_fold>, fold_variant::count> contractions;
 };
 
-// Builds the tables. Returns ICU's error, if any (the image is then unusable).
-// Takes about a second and some tens of megabytes while it runs.
+// Builds the root collator's tables, every variant. Returns ICU's error, if
+// any (the image is then unusable). Takes about a second and some tens of
+// megabytes while it runs.
 UErrorCode build_fold_tables(fold_tables_image& image);
+
+// Builds the table of `variant` for `collator`, a tailored collator, and the
+// lists; its contractions fold as one piece each. `bits` are the character
+// bits of every code point (fold_value.h: grapheme class, NFC, combining
+// class; the prevowel bit is set here), as the root's table has them.
+UErrorCode build_fold_table(const UCollator* collator, fold_variant variant,
+                            std::vector<std::uint32_t> bits, fold_tables_image& image);
 
 }  // namespace scl::regex::detail
 

@@ -8,10 +8,15 @@
 //   bit  22     canonical combining class is not 0
 //   bit  21     NFC_Quick_Check is Maybe: may compose with the character before it
 //   bits 0-20   the delta (signed), or the pool string as offset << 5 | length
+//
+// In the table of a tailored collator, a pool string that starts with
+// contraction_mark marks a code point that starts contractions (Danish "aa");
+// the rest of the string is its fold alone.
 #ifndef SCL_REGEX_SRC_SEARCH_FOLD_VALUE_H
 #define SCL_REGEX_SRC_SEARCH_FOLD_VALUE_H
 
 #include <cstdint>
+#include <string>
 
 namespace scl::regex::detail {
 
@@ -65,6 +70,13 @@ struct composite_unit {
   std::uint32_t common_secondary;    // bit i: element i has the common secondary weight
 };
 
+// A contraction of a tailored collator (code points that its collation
+// elements read as one, Danish "aa"), in NFC, with its fold.
+struct contraction_fold {
+  std::u16string text;
+  std::u16string fold;
+};
+
 namespace fold_value {
 
 constexpr int kind_shift = 30;
@@ -79,6 +91,8 @@ constexpr std::int32_t max_delta = (1 << (payload_bits - 1)) - 1;
 constexpr int length_bits = 5;
 constexpr std::uint32_t max_length = (1U << length_bits) - 1;
 constexpr std::uint32_t max_pool_offset = payload_mask >> length_bits;
+
+constexpr char16_t contraction_mark = 0xFFFF;
 
 constexpr fold_kind kind(std::uint32_t value) {
   return static_cast<fold_kind>(value >> kind_shift);

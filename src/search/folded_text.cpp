@@ -61,7 +61,7 @@ class folder {
  public:
   folder(const fold_table& table, const Unit* text, int32_t size, folded_text& out)
       : table_(table),
-        root_(fold_table::get()),
+        root_(table.sibling({})),
         accents_(table.variant().accents),
         text_(text),
         size_(size),
@@ -104,6 +104,13 @@ class folder {
       const UChar32 c = next_code_point(text_, at, size_);
       const std::uint32_t value = table_.value(c);
       if (check && out_of_nfc(c, value)) return start;
+      if (table_.starts_contractions(value)) {
+        const int32_t contraction_end = fold_contraction(c, start);
+        if (contraction_end > start) {
+          at = contraction_end;
+          continue;
+        }
+      }
       previous_combining_ = fold_value::combining(value);
       out_.reserve_more(longest_fold);
       fold_code_point(c, value, start, at);
@@ -111,15 +118,65 @@ class folder {
     return at;
   }
 
+  // The longest contraction of the table that the text has at `at`, where
+  // `first` starts: folded as one piece. Returns where it ends, or `at` if
+  // none is there.
+  int32_t fold_contraction(UChar32 first, int32_t at) {
+    std::u16string head;
+    append_code_point(head, first);
+    const contraction_fold* begin = std::lower_bound(
+        table_.contractions_begin(), table_.contractions_end(), head,
+        [](const contraction_fold& c, const std::u16string& text) { return c.text < text; });
+    const contraction_fold* longest = nullptr;
+    int32_t longest_end = at;
+    for (const contraction_fold* c = begin;
+         c != table_.contractions_end() && c->text.compare(0, head.size(), head) == 0; ++c) {
+      const auto length = static_cast<int32_t>(c->text.size());
+      int32_t in_text = at;
+      int32_t in_contraction = 0;
+      while (in_contraction < length && in_text < size_ &&
+             next_code_point(c->text.data(), in_contraction, length) ==
+                 next_code_point(text_, in_text, size_)) {
+      }
+      if (in_contraction == length && in_text > longest_end) {
+        longest = c;
+        longest_end = in_text;
+      }
+    }
+    if (longest == nullptr) return at;
+    out_.reserve_more(static_cast<int32_t>(longest->fold.size()));
+    for (const char16_t unit : longest->fold) {
+      out_.units[out_.size] = unit;
+      out_.origin[out_.size++] = at;
+    }
+    if (longest->fold.empty()) {
+      empty_piece(at);
+    } else {
+      last_piece_empty_ = false;
+    }
+    previous_ = code_point_before(text_, longest_end);
+    previous_combining_ = fold_value::combining(table_.value(previous_));
+    contraction_start_ = at;
+    contraction_end_ = longest_end;
+    return longest_end;
+  }
+
+  // `at` moved back to the start of the contraction it falls inside, if any.
+  int32_t outside_contraction(int32_t at) const {
+    return at > contraction_start_ && at < contraction_end_ ? contraction_start_ : at;
+  }
+
   // How many folded units no later character can change, once the text up to
   // `at` is folded: NFC can roll the fold back only to a normalisation
-  // boundary, and never before the last one at or before `at`.
+  // boundary, and never before the last one at or before `at` (or the start
+  // of the contraction that boundary falls inside).
   int32_t final_units(int32_t at) const {
     int32_t boundary = at;
     while (boundary > 0 &&
            unorm2_hasBoundaryBefore(table_.nfc(), code_point_at(text_, boundary, size_)) == 0) {
       previous_code_point(text_, boundary);
     }
+    boundary = outside_contraction(boundary);
     int32_t units = out_.size;
     while (units > 0 && out_.origin[units - 1] >= boundary) --units;
     return units;
@@ -260,13 +317,12 @@ class folder {
         put(c + fold_value::delta(value), origin);
         return true;
       case fold_kind::pool: {
-        const char16_t* units = table_.pool() + fold_value::pool_offset(value);
-        const std::uint32_t length = fold_value::pool_length(value);
-        for (std::uint32_t k = 0; k < length; ++k) {
-          out_.units[out_.size] = units[k];
+        const std::u16string_view fold = table_.pool_fold(value);
+        for (const char16_t unit : fold) {
+          out_.units[out_.size] = unit;
           out_.origin[out_.size++] = origin;
         }
-        return true;
+        return !fold.empty();
       }
       case fold_kind::nothing:
         break;
@@ -463,6 +519,7 @@ class folder {
     while (start > 0 && unorm2_hasBoundaryBefore(nfc, code_point_at(text_, start, size_)) == 0) {
       previous_code_point(text_, start);
     }
+    start = outside_contraction(start);
     int32_t end = at;
     next_code_point(text_, end, size_);
     while (end < size_) {
@@ -539,6 +596,8 @@ class folder {
   const Unit* text_;
   int32_t size_;
   folded_text& out_;
+  int32_t contraction_start_ = -1;  // the last contraction folded
+  int32_t contraction_end_ = -1;
   int32_t variable_known_at_ = -1;  // where after_variable last looked, and what it found
   bool variable_known_ = false;
   UChar32 previous_ = -1;            // the code point before the next one to fold

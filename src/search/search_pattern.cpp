@@ -14,6 +14,7 @@
 #include "icu/replacement_template.h"
 #include "search/cluster_syntax.h"
 #include "search/code_points.h"
+#include "search/fold_collation.h"
 #include "search/fold_table.h"
 #include "search/folded_text.h"
 #include "search/literal_search.h"
@@ -73,13 +74,15 @@ std::shared_ptr<detail::search_program> new_program(query_syntax syntax,
   return program;
 }
 
-// Whether `query` folds, as `variant` (with accents) says, to accents alone:
-// to something, and without accents to nothing.
-bool accents_alone(std::u16string_view query, detail::fold_variant variant) {
+// Whether `query` folds, as `variant` (with accents) of the collation of
+// `settings` says, to accents alone: to something, and without accents to
+// nothing.
+bool accents_alone(std::u16string_view query, const detail::search_settings& settings,
+                   detail::fold_variant variant) {
   auto folds_to_nothing = [&](detail::fold_variant fold) {
     detail::folded_text folded;
-    detail::fold_text(detail::fold_table::get(fold), query.data(), detail::icu_length(query.size()),
-                      false, folded);
+    detail::fold_text(settings.table(fold), query.data(), detail::icu_length(query.size()), false,
+                      folded);
     return folded.size == 0;
   };
   return folds_to_nothing(variant.without_accents()) && !folds_to_nothing(variant);
@@ -89,8 +92,8 @@ bool accents_alone(std::u16string_view query, detail::fold_variant variant) {
 detail::literal_query fold_literal(std::u16string_view query,
                                    const detail::search_settings& settings) {
   detail::folded_text folded;
-  detail::fold_text(detail::fold_table::get(settings.fold), query.data(),
-                    detail::icu_length(query.size()), false, folded);
+  detail::fold_text(settings.table(settings.fold), query.data(), detail::icu_length(query.size()),
+                    false, folded);
   return detail::literal_query::of(folded);
 }
 
@@ -113,7 +116,7 @@ std::optional<pattern_failure> fold_regex(detail::search_program& program,
                                           std::u16string_view pattern,
                                           detail::folded_pattern& folded) {
   const bool typed = program.options.diacritics == diacritics_rule::match_typed;
-  const detail::fold_table& table = detail::fold_table::get(program.settings.fold);
+  const detail::fold_table& table = program.settings.table(program.settings.fold);
   folded = detail::fold_pattern(table, pattern, typed);
   const detail::compiled_pattern compiled = detail::compile_prepared(folded.text, 0);
   if (!compiled) {
@@ -151,7 +154,7 @@ void make_literal(detail::search_program& program, std::u16string_view query) {
   program.query = fold_literal(query, settings);
   const detail::fold_variant accent_fold =
       settings.typed_accents ? settings.accents : settings.fold;
-  if (accent_fold.accents && accent_fold.shifted && accents_alone(query, accent_fold)) {
+  if (accent_fold.accents && accent_fold.shifted && accents_alone(query, settings, accent_fold)) {
     // As in ICU's usearch with "shifted", accents alone are nothing to find.
     program.query = {};
     settings.typed_accents = false;
@@ -178,7 +181,7 @@ void make_literal(detail::search_program& program, std::u16string_view query) {
       std::swap(settings, regex);
     }
     program.accents =
-        detail::typed_accents(detail::fold_table::get(settings.accents), query,
+        detail::typed_accents(settings.table(settings.accents), query,
                               program.options.match_case && !program.options.ignore_punctuation);
   }
 }
@@ -285,12 +288,12 @@ detail::regex_matches search(const detail::search_program* program,
   detail::check_deadline(status);
   if (U_FAILURE(status)) throw regex_exception(status);
   const detail::search_settings& settings = program->settings;
-  const detail::fold_table& table = detail::fold_table::get(settings.fold);
+  const detail::fold_table& table = settings.table(settings.fold);
   const scratch_text scratch;
   detail::folded_text& folded = scratch_text::text();
   const int32_t size = detail::icu_length(text.size());
   std::optional<detail::word_breaks> words;
-  if (settings.whole_words) words.emplace(text.data(), size);
+  if (settings.whole_words) words.emplace(text.data(), size, settings.word_locale);
   const detail::match_policy policy{
       settings.fold.shifted, words ? &*words : nullptr,
       program->syntax == query_syntax::regex &&
@@ -481,6 +484,11 @@ query_syntax search_pattern::syntax() const noexcept {
 const search_options& search_pattern::options() const noexcept {
   static const search_options defaults;
   return program_ != nullptr ? program_->options : defaults;
+}
+
+std::string search_pattern::collation_locale() const {
+  return program_ != nullptr ? program_->settings.collation->tag()
+                             : detail::fold_collation::root().tag();
 }
 
 int search_pattern::group_count() const noexcept {

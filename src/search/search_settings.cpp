@@ -17,9 +17,15 @@ std::optional<search_settings::options_error> search_settings::check(
       return options_error{regex_exception(U_ILLEGAL_ARGUMENT_ERROR),
                            "search_options::diacritics is not a diacritics_rule"};
   }
-  if (!options.locale.empty()) {
-    return options_error{regex_exception(U_UNSUPPORTED_ERROR),
-                         "search_options::locale is not supported yet"};
+  try {
+    locale_id(options.locale);
+  } catch (const regex_exception& error) {
+    return options_error{error, "search_options::locale is not a well-formed BCP 47 tag"};
+  }
+  try {
+    fold_collation::of(options.locale);
+  } catch (const regex_exception& error) {
+    return options_error{error, "search_options::locale: ICU cannot open its collator"};
   }
   return std::nullopt;
 }
@@ -33,8 +39,14 @@ fold_variant search_settings::text_fold(const search_options& options) {
                       options.ignore_punctuation};
 }
 
+const fold_table& search_settings::text_table(const search_options& options) {
+  return fold_collation::of(options.locale).table(text_fold(options));
+}
+
 search_settings search_settings::of(const search_options& options, query_syntax syntax) {
   search_settings settings;
+  settings.collation = &fold_collation::of(options.locale);
+  settings.word_locale = locale_id(options.locale);
   settings.fold = text_fold(options);
   settings.whole_words = options.whole_words;
   if (options.diacritics == diacritics_rule::match_typed && syntax == query_syntax::literal) {

@@ -3,29 +3,37 @@
 #define SCL_REGEX_SRC_SEARCH_SEARCH_SETTINGS_H
 
 #include <optional>
+#include <string>
 
 #include "scl/regex/exception.h"
 #include "scl/regex/search_pattern.h"
+#include "search/fold_collation.h"
+#include "search/fold_table.h"
 #include "search/fold_variant.h"
 
 namespace scl::regex::detail {
 
 struct search_settings {
+  const fold_collation* collation = &fold_collation::root();
+  std::string word_locale;     // the ICU locale ID whose word breaks whole_words finds
   fold_variant fold;           // how the text and the query are folded for searching
   bool typed_accents = false;  // a literal query's accents are checked after (typed_accents.h)
   fold_variant accents;        // ... in this fold
   bool whole_words = false;
 
+  // The collation's table of `variant`.
+  const fold_table& table(fold_variant variant) const { return collation->table(variant); }
+
   // What is wrong with `options`, if anything: the error to throw, and which
-  // option, for people.
+  // option, for people. The locale's collation is opened here.
   struct options_error {
     regex_exception error;
     const char* option;
   };
   static std::optional<options_error> check(const search_options& options);
   // Throws the error check() gives, if any: regex_exception with
-  // U_ILLEGAL_ARGUMENT_ERROR for a value out of range, U_UNSUPPORTED_ERROR
-  // for a locale.
+  // U_ILLEGAL_ARGUMENT_ERROR for a value out of range or an ill-formed locale
+  // tag, ICU's code if ICU cannot open the locale's collator.
   static void validate(const search_options& options);
 
   // The settings for a query of `syntax`. A literal query with diacritics
@@ -35,6 +43,7 @@ struct search_settings {
 
   // The fold search_fold gives: the one a regex query searches.
   static fold_variant text_fold(const search_options& options);
+  static const fold_table& text_table(const search_options& options);
 };
 
 }  // namespace scl::regex::detail

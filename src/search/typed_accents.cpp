@@ -24,7 +24,7 @@ typed_accents::typed_accents(const fold_table& accents, std::u16string_view quer
 
 void typed_accents::elements_of(const folded_text& folded, int32_t offset,
                                 std::vector<element>& out) const {
-  const fold_table& root = fold_table::get();
+  const fold_table& root = table_->sibling({});
   std::u16string letters;
   std::u16string back;
   std::u16string self;
@@ -100,7 +100,7 @@ std::size_t typed_accents::match_from(const std::vector<element>& text, std::siz
 bool typed_accents::accent(UChar32 c, UChar32 previous) const {
   if (c == middle_dot && (previous == u'l' || previous == u'L')) return true;  // "l\u00b7"
   // Punctuation that "shifted" ignores is no element either.
-  return fold_value::kind(fold_table::get().value(c)) == fold_kind::nothing ||
+  return fold_value::kind(table_->sibling({}).value(c)) == fold_kind::nothing ||
          (table_->variant().shifted && fold_value::kind(table_->value(c)) == fold_kind::nothing);
 }
 

@@ -1,6 +1,9 @@
 #include "search/word_breaks.h"
 
+#include <map>
 #include <memory>
+#include <mutex>
+#include <utility>
 
 #include "scl/regex/exception.h"
 
@@ -12,40 +15,48 @@ void throw_if_failed(UErrorCode status) {
   if (U_FAILURE(status)) throw regex_exception(status);
 }
 
-// The root's word break iterator, opened once per process; each thread
+using break_iterator = std::unique_ptr<UBreakIterator, decltype(&ubrk_close)>;
+
+// The word break iterator of `locale`, opened once per process; each thread
 // searches with a clone of it.
-const UBreakIterator& prototype() {
-  static const std::unique_ptr<UBreakIterator, decltype(&ubrk_close)> breaks = [] {
+const UBreakIterator& prototype(const std::string& locale) {
+  static std::mutex mutex;
+  static std::map<std::string, break_iterator> opened;
+  const std::lock_guard<std::mutex> lock(mutex);
+  auto found = opened.find(locale);
+  if (found == opened.end()) {
     UErrorCode status = U_ZERO_ERROR;
-    std::unique_ptr<UBreakIterator, decltype(&ubrk_close)> opened(
-        ubrk_open(UBRK_WORD, "", nullptr, 0, &status), &ubrk_close);
+    break_iterator breaks(ubrk_open(UBRK_WORD, locale.c_str(), nullptr, 0, &status), &ubrk_close);
     throw_if_failed(status);
-    return opened;
-  }();
-  return *breaks;
+    found = opened.emplace(locale, std::move(breaks)).first;
+  }
+  return *found->second;
 }
 
-UBreakIterator* thread_breaks() {
-  thread_local const std::unique_ptr<UBreakIterator, decltype(&ubrk_close)> breaks = [] {
+UBreakIterator* thread_breaks(const std::string& locale) {
+  thread_local std::map<std::string, break_iterator> clones;
+  auto found = clones.find(locale);
+  if (found == clones.end()) {
     UErrorCode status = U_ZERO_ERROR;
-    std::unique_ptr<UBreakIterator, decltype(&ubrk_close)> clone(ubrk_clone(&prototype(), &status),
-                                                                 &ubrk_close);
+    break_iterator clone(ubrk_clone(&prototype(locale), &status), &ubrk_close);
     throw_if_failed(status);
-    return clone;
-  }();
-  return breaks.get();
+    found = clones.emplace(locale, std::move(clone)).first;
+  }
+  return found->second.get();
 }
 
 }  // namespace
 
-word_breaks::word_breaks(const char16_t* text, int32_t size) : breaks_(thread_breaks()) {
+word_breaks::word_breaks(const char16_t* text, int32_t size, const std::string& locale)
+    : breaks_(thread_breaks(locale)) {
   UErrorCode status = U_ZERO_ERROR;
   utext_openUChars(&text_, text, size, &status);
   ubrk_setUText(breaks_, &text_, &status);
   throw_if_failed(status);
 }
 
-word_breaks::word_breaks(const char* text, int32_t size) : breaks_(thread_breaks()) {
+word_breaks::word_breaks(const char* text, int32_t size, const std::string& locale)
+    : breaks_(thread_breaks(locale)) {
   UErrorCode status = U_ZERO_ERROR;
   utext_openUTF8(&text_, text, size, &status);
   ubrk_setUText(breaks_, &text_, &status);

@@ -4,20 +4,22 @@
 #define SCL_REGEX_SRC_SEARCH_WORD_BREAKS_H
 
 #include <cstdint>
+#include <string>
 
 #include <unicode/ubrk.h>
 #include <unicode/utext.h>
 
 namespace scl::regex::detail {
 
-// The boundaries of text[0, size): UTF-16, or UTF-8 with offsets in bytes.
-// Uses the calling thread's iterator; one object at a time per thread. The
-// text must outlive the object. Throws regex_exception with ICU's code if ICU
-// cannot open the iterator.
+// The boundaries of text[0, size): UTF-16, or UTF-8 with offsets in bytes,
+// as the word break rules of `locale` (an ICU locale ID; "" for the root's)
+// find them. Uses the calling thread's iterator for the locale; one object at
+// a time per thread. The text must outlive the object. Throws regex_exception
+// with ICU's code if ICU cannot open the iterator.
 class word_breaks {
  public:
-  word_breaks(const char16_t* text, int32_t size);
-  word_breaks(const char* text, int32_t size);
+  word_breaks(const char16_t* text, int32_t size, const std::string& locale = {});
+  word_breaks(const char* text, int32_t size, const std::string& locale = {});
   word_breaks(const word_breaks&) = delete;
   word_breaks& operator=(const word_breaks&) = delete;
   ~word_breaks();

@@ -362,6 +362,11 @@ class SCL_REGEX_API search_pattern {
   [[nodiscard]] query_syntax syntax() const noexcept;
   // The options it searches with (default ones for a default-constructed pattern).
   [[nodiscard]] const search_options& options() const noexcept;
+  // The BCP 47 tag of the collation it searches by, as ICU resolved the
+  // options' locale: "und" for the root collation (no locale), "sv-u-co-search"
+  // for "sv", "und-u-co-search" for a language without search rules of its
+  // own ("cs", "ja"), "de-u-co-phonebk" for a tag that names its collation.
+  [[nodiscard]] std::string collation_locale() const;
   // The number of capturing groups of the query: 0 for a literal query.
   // (A default-constructed pattern has none either.)
   [[nodiscard]] int group_count() const noexcept;

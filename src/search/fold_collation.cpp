@@ -1,0 +1,177 @@
+#include "search/fold_collation.h"
+
+#include <cstring>
+#include <map>
+#include <utility>
+#include <vector>
+
+#include <unicode/coll.h>
+#include <unicode/locid.h>
+#include <unicode/uchar.h>
+#include <unicode/uversion.h>
+
+#include "scl/regex/exception.h"
+#include "search/fold_table_data.h"
+
+namespace scl::regex::detail {
+
+namespace {
+
+bool built_for_running_icu() {
+  UVersionInfo icu;
+  UVersionInfo unicode;
+  u_getVersion(icu);
+  u_getUnicodeVersion(unicode);
+  return std::memcmp(icu, fold_table_data::icu_version, sizeof icu) == 0 &&
+         std::memcmp(unicode, fold_table_data::unicode_version, sizeof unicode) == 0;
+}
+
+void throw_if_failed(UErrorCode status) {
+  if (U_FAILURE(status)) throw regex_exception(status);
+}
+
+fold_table_lists lists_of(const fold_tables_image& image, std::size_t index) {
+  return {image.prevowel_pairs.data(),
+          image.prevowel_pairs.size(),
+          image.dropped_starts.data(),
+          image.dropped_starts.size(),
+          image.variable_ends.data(),
+          image.variable_ends.size(),
+          {image.composites[0].data(), image.composites[1].data()},
+          {image.composites[0].size(), image.composites[1].size()},
+          image.contractions[index].data(),
+          image.contractions[index].size()};
+}
+
+// The character bits of every code point (fold_value.h), as the root's
+// table has them.
+std::vector<std::uint32_t> character_bits() {
+  constexpr std::uint32_t fold_bits = 3U << fold_value::kind_shift | fold_value::payload_mask;
+  const fold_table& root = fold_collation::root().table({});
+  std::vector<std::uint32_t> bits(0x110000);
+  for (UChar32 c = 0; c < 0x110000; ++c) {
+    bits[static_cast<std::size_t>(c)] = root.value(c) & ~fold_bits;
+  }
+  return bits;
+}
+
+}  // namespace
+
+std::string locale_id(std::string_view locale) {
+  std::string tag(locale);
+  for (char& c : tag) {
+    if (c == '_') c = '-';
+  }
+  UErrorCode status = U_ZERO_ERROR;
+  const icu::Locale parsed = icu::Locale::forLanguageTag(tag, status);
+  if (U_FAILURE(status) || parsed.isBogus()) throw regex_exception(U_ILLEGAL_ARGUMENT_ERROR);
+  return parsed.getName();
+}
+
+fold_collation::fold_collation(key) : tag_("und"), embedded_(built_for_running_icu()) {
+  if (embedded_) {
+    namespace data = fold_table_data;
+    lists_[0] = {data::prevowel_pairs,
+                 data::prevowel_pair_count,
+                 data::dropped_starts,
+                 data::dropped_start_count,
+                 data::variable_ends,
+                 data::variable_end_count,
+                 {data::composites, data::case_composites},
+                 {data::composite_count, data::case_composite_count},
+                 nullptr,
+                 0};
+  } else {
+    throw_if_failed(build_fold_tables(images_[0]));
+    lists_[0] = lists_of(images_[0], 0);
+  }
+}
+
+fold_collation::fold_collation(key, std::string tag, std::unique_ptr<icu::Collator> collator)
+    : tag_(std::move(tag)), collator_(std::move(collator)) {}
+
+fold_collation::~fold_collation() = default;
+
+const fold_collation& fold_collation::root() {
+  static const std::unique_ptr<const fold_collation> root =
+      std::make_unique<const fold_collation>(key{});
+  return *root;
+}
+
+const fold_collation& fold_collation::of(std::string_view locale) {
+  if (locale.empty()) return root();
+  static std::mutex mutex;
+  static std::map<std::string, const fold_collation*, std::less<>> by_request;
+  static std::map<std::string, std::unique_ptr<const fold_collation>> by_tag;
+  const std::lock_guard<std::mutex> lock(mutex);
+  if (const auto found = by_request.find(locale); found != by_request.end()) {
+    return *found->second;
+  }
+
+  // The locale with its collation: the one the tag names, else "search".
+  // (Other keywords are the options' to set: strength, case, punctuation.)
+  const icu::Locale requested(locale_id(locale).c_str());
+  UErrorCode status = U_ZERO_ERROR;
+  char collation[64] = {};
+  requested.getKeywordValue("collation", collation, sizeof collation, status);
+  icu::Locale with_collation(requested.getBaseName());
+  with_collation.setKeywordValue("collation", collation[0] != '\0' ? collation : "search", status);
+  std::unique_ptr<icu::Collator> collator(icu::Collator::createInstance(with_collation, status));
+  throw_if_failed(status);
+  if (collator == nullptr) throw std::bad_alloc();
+  std::string tag =
+      collator->getLocale(ULOC_ACTUAL_LOCALE, status).toLanguageTag<std::string>(status);
+  throw_if_failed(status);
+
+  const fold_collation* resolved = &root();
+  if (tag != root().tag()) {
+    auto& made = by_tag[tag];
+    if (made == nullptr)
+      made = std::make_unique<const fold_collation>(key{}, tag, std::move(collator));
+    resolved = made.get();
+  }
+  by_request.emplace(std::string(locale), resolved);
+  return *resolved;
+}
+
+const fold_table& fold_collation::table(fold_variant variant) const {
+  const auto index = static_cast<std::size_t>(variant.index());
+  std::call_once(loaded_[index], [&] {
+    if (collator_ == nullptr) {
+      load_root(index);
+    } else {
+      build(variant);
+    }
+  });
+  return *tables_[index];
+}
+
+void fold_collation::load_root(std::size_t index) const {
+  const fold_tables_image& image = images_[0];
+  const std::uint8_t* trie =
+      embedded_ ? fold_table_data::tables[index].trie : image.tables[index].trie.data();
+  const std::size_t trie_size =
+      embedded_ ? fold_table_data::tables[index].trie_size : image.tables[index].trie.size();
+  const char16_t* pool =
+      embedded_ ? fold_table_data::tables[index].pool : image.tables[index].pool.c_str();
+  UErrorCode status = U_ZERO_ERROR;
+  auto table = std::make_unique<fold_table>(*this, fold_variant::at(static_cast<int>(index)), trie,
+                                            trie_size, pool, lists_[0], status);
+  throw_if_failed(status);
+  tables_[index] = std::move(table);
+}
+
+void fold_collation::build(fold_variant variant) const {
+  const auto index = static_cast<std::size_t>(variant.index());
+  fold_tables_image& image = images_[index];
+  throw_if_failed(build_fold_table(collator_->toUCollator(), variant, character_bits(), image));
+  lists_[index] = lists_of(image, index);
+  UErrorCode status = U_ZERO_ERROR;
+  auto table = std::make_unique<fold_table>(
+      *this, variant, image.tables[index].trie.data(), image.tables[index].trie.size(),
+      image.tables[index].pool.c_str(), lists_[index], status);
+  throw_if_failed(status);
+  tables_[index] = std::move(table);
+}
+
+}  // namespace scl::regex::detail
