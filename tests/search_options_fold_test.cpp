@@ -228,6 +228,34 @@ TEST_P(FoldWithOptions, MarksFoldInTheOrderTheCollatorReadsThem) {
   EXPECT_EQ(failures, 0);
 }
 
+// A starter that folds to nothing between two marks (U+034F COMBINING
+// GRAPHEME JOINER) keeps them in the order written: canonical order does not
+// pass it, and the collator reads them so.
+TEST_P(FoldWithOptions, MarksKeepTheirOrderAcrossAGraphemeJoiner) {
+  const re::search_options& options = GetParam().options;
+  const collator_ptr collator = collator_for(options);
+  ASSERT_NE(collator, nullptr);
+  const std::u16string marks = u"\u0301\u0323\u0316\u0308\u0327";
+  long failures = 0;
+  for (const char16_t first : marks) {
+    for (const char16_t second : marks) {
+      for (const char16_t third : marks) {
+        const std::u16string a = nfc(std::u16string{u'a', first, u'\u034f', second, third});
+        const std::u16string b = nfc(std::u16string{u'a', second, u'\u034f', first, third});
+        const bool collator_equal = equal(collator.get(), a, b);
+        const bool folds_alike =
+            re::search_fold(a, options).text() == re::search_fold(b, options).text();
+        if (collator_equal != folds_alike && ++failures <= 10) {
+          ADD_FAILURE() << scl_regex_test::hex(a) << "and " << scl_regex_test::hex(b)
+                        << (collator_equal ? "are equal to the collator but fold apart"
+                                           : "fold alike but the collator tells them apart");
+        }
+      }
+    }
+  }
+  EXPECT_EQ(failures, 0);
+}
+
 INSTANTIATE_TEST_SUITE_P(Options, FoldWithOptions, testing::ValuesIn(fold_cases()),
                          [](const testing::TestParamInfo<fold_case>& info) {
                            return info.param.name;

@@ -535,3 +535,19 @@ TEST(HeaderExample, TheTogglesGiveWhatItSays) {
 }
 
 }  // namespace
+
+namespace {
+
+// Diacritics matched where typed: an accent typed before a letter is found
+// only where it is the text's first accent there. A grapheme joiner keeps
+// the text's accents in the order written, so "\u0301" stays first (as in
+// ICU's usearch).
+TEST(SearchOptions, TypedAccentsAreReadInTheOrderWrittenAcrossAGraphemeJoiner) {
+  re::search_options options;
+  options.diacritics = re::diacritics_rule::match_typed;
+  const re::search_pattern pattern(u"\u0323\u304b", re::query_syntax::literal, options);
+  EXPECT_FALSE(pattern.found_in(u"\u0301\u034f\u0323\u304b"));
+  EXPECT_TRUE(pattern.found_in(u"\u0323\u034f\u0301\u304b"));
+}
+
+}  // namespace

@@ -416,9 +416,13 @@ UErrorCode build_variant(const element_table& table, const element_reader& reade
   }
   if (composites != nullptr) {
     composites->clear();
+    // (A unit whose elements cannot be listed, too many or a primary that no
+    // code point stands for alone, is left out: none in the root's tables,
+    // a few Hangul compatibility characters in tailored ones.)
     for (const auto& [element_keys, best] : wholes) {
-      if (element_keys.size() > composite_unit::max_elements) return U_BUFFER_OVERFLOW_ERROR;
+      if (element_keys.size() > composite_unit::max_elements) continue;
       composite_unit unit{static_cast<char32_t>(best.second), 0, {}, 0};
+      bool listed = true;
       for (element_key key : element_keys) {
         // A key of an accent table: primary << 16 | secondary, then the case
         // bits if case counts; read by the table without accents.
@@ -432,12 +436,12 @@ UErrorCode build_variant(const element_table& table, const element_reader& reade
         const element_key primary_key =
             reader.case_level() ? element_key{primary_weight} << 2 | case_bits : primary_weight;
         const UChar32 rep = primary_weight == 0 ? 0 : primary->of(primary_key);
-        if (rep < 0) return U_INTERNAL_PROGRAM_ERROR;
+        listed = listed && rep >= 0;
         unit.primaries[unit.count++] = static_cast<char32_t>(rep);
       }
-      composites->push_back(unit);
+      if (listed) composites->push_back(unit);
     }
-    if (!lonely_accents.empty()) composites->push_back({dot_accent, 1, {0, 0, 0, 0}, 0});
+    if (!lonely_accents.empty()) composites->push_back({dot_accent, 1, {}, 0});
     std::sort(composites->begin(), composites->end(),
               [](const composite_unit& a, const composite_unit& b) { return a.unit < b.unit; });
   }

@@ -63,7 +63,7 @@ constexpr char16_t dot_accent = 0x0387;
 // ("\u00df" for an s with a secondary weight of its own followed by an s), and
 // dot_accent, an accent.
 struct composite_unit {
-  static constexpr int max_elements = 4;
+  static constexpr int max_elements = 8;
   char32_t unit;
   std::uint32_t count;               // its elements
   char32_t primaries[max_elements];  // each element's fold without accents (0: an accent)

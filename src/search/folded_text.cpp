@@ -134,11 +134,12 @@ class folder {
       const auto length = static_cast<int32_t>(c->text.size());
       int32_t in_text = at;
       int32_t in_contraction = 0;
-      while (in_contraction < length && in_text < size_ &&
-             next_code_point(c->text.data(), in_contraction, length) ==
-                 next_code_point(text_, in_text, size_)) {
+      bool same = true;
+      while (same && in_contraction < length && in_text < size_) {
+        same = next_code_point(c->text.data(), in_contraction, length) ==
+               next_code_point(text_, in_text, size_);
       }
-      if (in_contraction == length && in_text > longest_end) {
+      if (same && in_contraction == length && in_text > longest_end) {
         longest = c;
         longest_end = in_text;
       }
@@ -361,8 +362,17 @@ class folder {
       last_piece_empty_ = false;
     } else if (!joins_previous(fold_value::klass(value))) {
       empty_piece(at);
+    } else {
+      block_reordering(c);
     }
     previous_ = c;
+  }
+
+  // A character that folds to nothing has joined the piece before it: if it
+  // is a starter (U+034F), accents after it stay after it, as the collator
+  // reads them (canonical order does not pass it).
+  void block_reordering(UChar32 c) {
+    if (accents_ && u_getCombiningClass(c) == 0) accent_floor_ = out_.size;
   }
 
   // An accent, with accents counting: it joins the piece before it where a
@@ -395,7 +405,8 @@ class folder {
     for (int32_t k = from; k < out_.size; ++k) {
       const uint8_t klass = class_at(k);
       if (klass == 0) continue;
-      for (int32_t j = k; j > 0 && out_.origin[j - 1] == out_.origin[j] && class_at(j - 1) > klass;
+      for (int32_t j = k; j > accent_floor_ && j > 0 && out_.origin[j - 1] == out_.origin[j] &&
+                          class_at(j - 1) > klass;
            --j) {
         std::swap(out_.units[j - 1], out_.units[j]);
         std::swap(classes_[static_cast<std::size_t>(j - 1)], classes_[static_cast<std::size_t>(j)]);
@@ -530,6 +541,7 @@ class folder {
 
     // What was folded from `start` on goes; the state is the one before it.
     while (out_.size > 0 && out_.origin[out_.size - 1] >= start) --out_.size;
+    accent_floor_ = std::min(accent_floor_, out_.size);
     while (!out_.empty_pieces.empty() && out_.empty_pieces.back() >= start) {
       out_.empty_pieces.pop_back();
     }
@@ -565,8 +577,11 @@ class folder {
         if (accents_) put(dot_accent, start);
       } else if (!(after_punctuation && primary_ignorable(c))) {
         const int32_t from = out_.size;
-        put_fold(c, table_.value(c), start);
-        if (accents_) order_accents(from, c);
+        if (put_fold(c, table_.value(c), start)) {
+          if (accents_) order_accents(from, c);
+        } else {
+          block_reordering(c);
+        }
       }
       if (shifted_accents && !primary_ignorable(c)) {
         after_punctuation = variable(c) || table_.variable_end(c);
@@ -596,6 +611,7 @@ class folder {
   const Unit* text_;
   int32_t size_;
   folded_text& out_;
+  int32_t accent_floor_ = 0;        // accents are not moved before this unit
   int32_t contraction_start_ = -1;  // the last contraction folded
   int32_t contraction_end_ = -1;
   int32_t variable_known_at_ = -1;  // where after_variable last looked, and what it found

@@ -178,6 +178,22 @@ inline const char16_t* const kWords[] = {
     u"👩\u200D💻", u"👩", u"💻", u"👍🏽", u"👍", u"🏽", u"❤\uFE0F", u"❤", u"🇫🇷", u"🇫",
     u"👨\u200D👩\u200D👧", u"✈\uFE0F", u"😀", u"#\uFE0F\u20E3"};
 
+// Words that languages' search rules read in their own way: Nordic å, ä, ö,
+// ø, æ and Danish "aa", Turkish dotted and dotless i, German umlauts, Spanish
+// ñ, Slovak "ch", Hungarian digraphs, Welsh "ll", Arabic alef and teh
+// marbuta forms, Vietnamese tones.
+inline const char16_t* const kLanguageWords[] = {
+    u"Århus", u"Aarhus", u"aarhus", u"AArhus", u"AAR",     u"aa",     u"Aa",  u"å",     u"Å",
+    u"Ånger", u"anger",  u"Anger",  u"öl",     u"Öl",      u"øl",     u"ØL",  u"ol",    u"ä",
+    u"ae",    u"æ",      u"Ä",      u"Müller", u"Mueller", u"muller", u"ü",   u"y",     u"ı",
+    u"I",     u"i",      u"İ",      u"Iğdır",  u"ığdır",   u"año",    u"ano", u"ñ",     u"N",
+    u"chata", u"Chata",  u"CH",     u"ch",     u"h",       u"c",      u"cs",  u"ccs",   u"dzs",
+    u"gy",    u"ggy",    u"sz",     u"zs",     u"ll",      u"Ll",     u"dd",  u"ff",    u"ng",
+    u"rh",    u"th",     u"احمد",   u"أحمد",   u"إحمد",    u"آ",      u"ا",   u"مدرسة", u"مدرسه",
+    u"ة",     u"ه",      u"ى",      u"ي",      u"Việt",    u"viet",   u"ơ",   u"ư",     u"đ",
+    u"d",     u"ł",      u"l",      u"ß",      u"ss",      u"œ",      u"oe",  u"ĳ",     u"ij",
+    u"þ",     u"ð"};
+
 // Separators, marks and invisible characters.
 inline const char16_t* const kExtras[] = {u"\u00AD", u"\u200D", u"\u200C", u"\uFE0F", u" ",
                                           u" ",      u" ",      u", ",     u"-",      u".",
@@ -199,7 +215,9 @@ constexpr std::size_t count_of(const T (&)[N]) {
 
 class generator {
  public:
-  explicit generator(std::uint32_t seed) : random_(seed) {}
+  // With `language_words`, draws from kLanguageWords too.
+  explicit generator(std::uint32_t seed, bool language_words = false)
+      : random_(seed), language_words_(language_words) {}
 
   // An NFC text of `tokens` words, extras and single characters.
   std::u16string text() {
@@ -208,7 +226,8 @@ class generator {
     for (std::size_t i = 0; i < tokens; ++i) {
       const std::size_t kind = pick(100);
       if (kind < 55) {
-        out += kWords[pick(count_of(kWords))];
+        out += language_words_ && pick(2) == 0 ? kLanguageWords[pick(count_of(kLanguageWords))]
+                                               : kWords[pick(count_of(kWords))];
       } else if (kind < 85) {
         out += kExtras[pick(count_of(kExtras))];
       } else if (kind < 87) {
@@ -254,12 +273,16 @@ class generator {
   }
 
   // A dictionary word, in NFC.
-  std::u16string word() { return nfc(kWords[pick(count_of(kWords))]); }
+  std::u16string word() {
+    return nfc(language_words_ && pick(2) == 0 ? kLanguageWords[pick(count_of(kLanguageWords))]
+                                               : kWords[pick(count_of(kWords))]);
+  }
 
  private:
   std::size_t pick(std::size_t n) { return static_cast<std::size_t>(random_() % n); }
 
   std::mt19937 random_;
+  bool language_words_;
 };
 
 // ---------------------------------------------------------------------------
@@ -501,7 +524,7 @@ inline differential_counts run_differential(const re::search_options& options, s
     return counts;
   }
   differential compare(oracle, options);
-  generator make(seed);
+  generator make(seed, !options.locale.empty());
   quoted_literal quoted{options};
   for (int t = 0; t < texts; ++t) {
     const std::u16string text = make.text();

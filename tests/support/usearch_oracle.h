@@ -18,6 +18,7 @@
 #include <utility>
 #include <vector>
 
+#include <unicode/locid.h>
 #include <unicode/ubrk.h>
 #include <unicode/uchar.h>
 #include <unicode/ucol.h>
@@ -86,13 +87,40 @@ inline std::vector<UChar32> code_points_of(std::u16string_view text) {
 // ---------------------------------------------------------------------------
 // The oracle
 
-// usearch set up as `options` say: the root collator at primary strength, or
+// The ICU locale ID of the collator for `locale`, a BCP 47 tag ("_" read as
+// "-"): "" (the root) for none, else the locale's "search" collation unless
+// the tag names one. "" also for an ill-formed tag.
+inline std::string collator_locale(const std::string& locale) {
+  if (locale.empty()) return "";
+  std::string tag = locale;
+  std::replace(tag.begin(), tag.end(), '_', '-');
+  UErrorCode status = U_ZERO_ERROR;
+  const icu::Locale parsed = icu::Locale::forLanguageTag(tag, status);
+  if (U_FAILURE(status)) return "";
+  char collation[64] = {};
+  parsed.getKeywordValue("collation", collation, sizeof collation, status);
+  return std::string(parsed.getBaseName()) +
+         "@collation=" + (collation[0] != '\0' ? collation : "search");
+}
+
+// The ICU locale ID whose word break rules `locale` asks for.
+inline std::string word_locale(const std::string& locale) {
+  std::string tag = locale;
+  std::replace(tag.begin(), tag.end(), '_', '-');
+  UErrorCode status = U_ZERO_ERROR;
+  const icu::Locale parsed = icu::Locale::forLanguageTag(tag, status);
+  return U_SUCCESS(status) ? parsed.getName() : "";
+}
+
+// usearch set up as `options` say: the collator of the options' locale (the
+// root's, or the locale's search collation) at primary strength, or
 // secondary where diacritics count (with USEARCH_PATTERN_BASE_WEIGHT_IS_WILDCARD
 // where typed), alternate handling "shifted" for ignored punctuation, the
-// root's word break iterator for whole words.
+// locale's word break iterator for whole words.
 class usearch_oracle {
  public:
-  explicit usearch_oracle(const re::search_options& options = {}) {
+  explicit usearch_oracle(const re::search_options& options = {})
+      : locale_(collator_locale(options.locale)) {
     UErrorCode status = U_ZERO_ERROR;
     const bool accents = options.diacritics != re::diacritics_rule::ignore;
     collator_ = open_collator(accents ? UCOL_SECONDARY : UCOL_PRIMARY, false,
@@ -104,7 +132,9 @@ class usearch_oracle {
       case_collator_ = open_collator(secondary ? UCOL_SECONDARY : UCOL_PRIMARY, true,
                                      options.ignore_punctuation, status);
     }
-    if (options.whole_words) words_ = ubrk_open(UBRK_WORD, "", nullptr, 0, &status);
+    if (options.whole_words) {
+      words_ = ubrk_open(UBRK_WORD, word_locale(options.locale).c_str(), nullptr, 0, &status);
+    }
     root_ = open_collator(UCOL_PRIMARY, false, options.ignore_punctuation, status);
     if (U_FAILURE(status)) return;
     static const UChar placeholder[] = {u'x'};
@@ -185,7 +215,7 @@ class usearch_oracle {
     return primaries(pair) != apart;
   }
 
-  // Whether the root collator reads `c` as nothing at primary strength (with
+  // Whether the collator reads `c` as nothing at primary strength (with
   // punctuation and spaces, where they are ignored).
   bool ignorable(UChar32 c) const {
     std::u16string text;
@@ -209,9 +239,9 @@ class usearch_oracle {
     return out;
   }
 
-  static UCollator* open_collator(UCollationStrength strength, bool case_level, bool shifted,
-                                  UErrorCode& status) {
-    UCollator* collator = ucol_open("", &status);
+  UCollator* open_collator(UCollationStrength strength, bool case_level, bool shifted,
+                           UErrorCode& status) const {
+    UCollator* collator = ucol_open(locale_.c_str(), &status);
     if (U_FAILURE(status)) return nullptr;
     ucol_setStrength(collator, strength);
     if (case_level) ucol_setAttribute(collator, UCOL_CASE_LEVEL, UCOL_ON, &status);
@@ -219,6 +249,7 @@ class usearch_oracle {
     return collator;
   }
 
+  std::string locale_;  // the collator's ICU locale ID
   UCollator* collator_ = nullptr;
   UCollator* case_collator_ = nullptr;
   UCollator* root_ = nullptr;

@@ -1,0 +1,66 @@
+// search_pattern with a locale against ICU's usearch on the same collator
+// (support/search_differential.h): each language's search collation, alone
+// and with the toggles of a search box.
+#include <cstdio>
+#include <ostream>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include <scl/regex/search_pattern.h>
+
+#include "support/search_differential.h"
+
+namespace {
+
+using namespace scl_regex_test::search_differential;
+
+struct locale_case {
+  std::string locale;
+  bool toggles;  // every toggle of a search box on (diacritics matched where typed)
+};
+
+void PrintTo(const locale_case& c, std::ostream* out) {
+  *out << c.locale << (c.toggles ? " with every toggle" : "");
+}
+
+class EachLocale : public testing::TestWithParam<locale_case> {};
+
+TEST_P(EachLocale, FindsWhatUsearchFindsWithTheLocalesCollator) {
+  re::search_options options;
+  options.locale = GetParam().locale;
+  if (GetParam().toggles) {
+    options.match_case = true;
+    options.diacritics = re::diacritics_rule::match_typed;
+    options.whole_words = true;
+    options.ignore_punctuation = true;
+  }
+  failure_log log;
+  const differential_counts counts = run_differential(options, 20261126, 300, 4, log);
+  std::printf("%s: %s\n", GetParam().locale.c_str(), counts.summary().c_str());
+  EXPECT_EQ(counts.disagreements, 0);
+  EXPECT_EQ(counts.usearch_errors, 0);
+  EXPECT_EQ(log.total(), 0) << log.summary();
+  EXPECT_GT(counts.compared, counts.pairs / 2);
+}
+
+std::string name_of(const testing::TestParamInfo<locale_case>& info) {
+  std::string name = info.param.locale;
+  for (char& c : name) {
+    if (c == '-') c = '_';
+  }
+  return name + (info.param.toggles ? "_toggles" : "");
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Languages, EachLocale,
+    testing::Values(locale_case{"sv", false}, locale_case{"da", false}, locale_case{"nb", false},
+                    locale_case{"fi", false}, locale_case{"de", false}, locale_case{"tr", false},
+                    locale_case{"es", false}, locale_case{"ar", false}, locale_case{"sk", false},
+                    locale_case{"hu", false}, locale_case{"cy", false}, locale_case{"vi", false},
+                    locale_case{"ja", false}, locale_case{"ko", false}, locale_case{"th", false},
+                    locale_case{"de-u-co-phonebk", false}, locale_case{"sv", true},
+                    locale_case{"da", true}, locale_case{"tr", true}),
+    name_of);
+
+}  // namespace
