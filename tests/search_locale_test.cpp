@@ -1,0 +1,125 @@
+// search_pattern with search_options::locale: the language's search
+// collation, as CLDR defines it and ICU ships it.
+#include <optional>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include <scl/regex/search_pattern.h>
+
+namespace {
+
+namespace re = scl::regex;
+
+re::search_options in(const char* locale) {
+  re::search_options options;
+  options.locale = locale;
+  return options;
+}
+
+bool finds(const char* locale, std::u16string_view query, std::u16string_view text,
+           re::query_syntax syntax = re::query_syntax::literal) {
+  return re::search_pattern(query, syntax, in(locale)).found_in(text);
+}
+
+TEST(SearchLocale, ReportsTheCollationIcuResolved) {
+  EXPECT_EQ(re::search_pattern().collation_locale(), "und");
+  EXPECT_EQ(re::search_pattern(u"x").collation_locale(), "und");
+  const struct {
+    const char* locale;
+    const char* collation;
+  } cases[] = {{"", "und"},
+               {"sv", "sv-u-co-search"},
+               {"sv_SE", "sv-u-co-search"},
+               {"sv-SE", "sv-u-co-search"},
+               {"cs", "und-u-co-search"},
+               {"ja", "und-u-co-search"},
+               {"zz", "und-u-co-search"},
+               {"de-u-co-phonebk", "de-u-co-phonebk"},
+               {"da", "da-u-co-search"}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.locale);
+    EXPECT_EQ(re::search_pattern(u"x", re::query_syntax::literal, in(c.locale)).collation_locale(),
+              c.collation);
+  }
+}
+
+TEST(SearchLocale, SwedishKeepsItsOwnLettersApart) {
+  EXPECT_FALSE(finds("sv", u"\u00c5nger", u"Anger"));
+  EXPECT_FALSE(finds("sv", u"anger", u"\u00c5nger"));
+  EXPECT_TRUE(finds("sv", u"\u00e5nger", u"\u00c5NGER"));
+  EXPECT_TRUE(finds("sv", u"\u00f6l", u"\u00d8l"));  // Ö and Ø are one letter
+  EXPECT_TRUE(finds("fi", u"\u00e4", u"\u00c4"));
+  EXPECT_FALSE(finds("fi", u"a", u"\u00e4"));
+  EXPECT_TRUE(finds("", u"anger", u"\u00c5nger"));  // the root reads them alike
+}
+
+TEST(SearchLocale, DanishReadsDoubleAAsARing) {
+  EXPECT_TRUE(finds("da", u"aarhus", u"\u00c5rhus"));
+  EXPECT_TRUE(finds("da", u"\u00e5rhus", u"Aarhus"));
+  EXPECT_TRUE(finds("da", u"[\u00e5]rhus", u"Aarhus", re::query_syntax::regex));
+  EXPECT_FALSE(finds("da", u"a", u"Aarhus"));  // "aa" is one letter: no "a" in it
+  EXPECT_EQ(re::search_fold(u"Aa", in("da")).text(), re::search_fold(u"\u00e5", in("da")).text());
+  // The whole contraction is one piece of the text.
+  const std::vector<re::source_match> found =
+      re::search_pattern(u"\u00e5", re::query_syntax::literal, in("da")).find_all(u"xAay");
+  ASSERT_EQ(found.size(), 1U);
+  EXPECT_EQ(found[0].start, 1U);
+  EXPECT_EQ(found[0].end, 3U);
+}
+
+TEST(SearchLocale, TurkishDottedAndDotlessIAreTwoLetters) {
+  EXPECT_TRUE(finds("tr", u"\u0131", u"I"));
+  EXPECT_TRUE(finds("tr", u"i", u"\u0130"));
+  EXPECT_FALSE(finds("tr", u"\u0131", u"i"));
+  EXPECT_FALSE(finds("tr", u"i", u"I"));
+}
+
+TEST(SearchLocale, GermanReadsUmlautsAsE) {
+  EXPECT_TRUE(finds("de", u"ae", u"\u00e4"));
+  EXPECT_TRUE(finds("de", u"mueller", u"M\u00fcller"));
+}
+
+TEST(SearchLocale, SpanishKeepsEnyeApart) {
+  EXPECT_FALSE(finds("es", u"ano", u"a\u00f1o"));
+  EXPECT_TRUE(finds("es", u"a\u00f1o", u"A\u00d1O"));
+}
+
+TEST(SearchLocale, ArabicAlefFormsAreOneLetter) {
+  EXPECT_TRUE(finds("ar", u"\u0627\u062d\u0645\u062f", u"\u0623\u062d\u0645\u062f"));
+  EXPECT_TRUE(finds("ar", u"\u0627\u062d\u0645\u062f", u"\u0625\u062d\u0645\u062f"));
+  EXPECT_TRUE(finds("ar", u"\u0645\u062f\u0631\u0633\u0647", u"\u0645\u062f\u0631\u0633\u0629"));
+}
+
+// Slovak's search rules, unlike its sort order, read "ch" as two letters.
+TEST(SearchLocale, SlovakSearchRulesReadChAsTwoLetters) {
+  EXPECT_TRUE(finds("sk", u"ch", u"CHATA"));
+  EXPECT_TRUE(finds("sk", u"c", u"chata"));
+}
+
+// Every toggle combines with a locale.
+TEST(SearchLocale, CombinesWithEveryToggle) {
+  re::search_options options = in("da");
+  options.match_case = true;
+  // "Aa" is a capital and a small letter; the case level tells it from "\u00c5".
+  EXPECT_TRUE(re::search_pattern(u"\u00c5rhus", re::query_syntax::literal, options)
+                  .found_in(u"\u00c5RHUS \u00c5rhus"));
+  EXPECT_FALSE(
+      re::search_pattern(u"aarhus", re::query_syntax::literal, options).found_in(u"\u00c5rhus"));
+  options.match_case = false;
+  options.whole_words = true;
+  EXPECT_FALSE(re::search_pattern(u"rhus", re::query_syntax::literal, options).found_in(u"Aarhus"));
+  options.whole_words = false;
+  options.ignore_punctuation = true;
+  // Punctuation between two a's parts them: no contraction.
+  EXPECT_FALSE(
+      re::search_pattern(u"aarhus", re::query_syntax::literal, options).found_in(u"A-a-rhus"));
+  EXPECT_TRUE(
+      re::search_pattern(u"aarhus", re::query_syntax::literal, options).found_in(u"\u00c5-rhus"));
+  options.ignore_punctuation = false;
+  options.diacritics = re::diacritics_rule::match;
+  EXPECT_TRUE(
+      re::search_pattern(u"aarhus", re::query_syntax::literal, options).found_in(u"\u00c5rhus"));
+}
+
+}  // namespace
