@@ -271,12 +271,18 @@ void lib_find_all(benchmark::State& state, const std::u16string& text) {
   time_find_all(state, pattern, text);
 }
 
-void icu_find_all(benchmark::State& state, const std::u16string& text, const std::string& key) {
-  usearch_finder finder(kCreme, text);
+// usearch's find_all of "creme" in `text`, set up as `options` say; skipped
+// unless the library finds as many matches (for match_case, no more: usearch
+// has no case level). `key` names the check, which runs once per process.
+void icu_find_all(benchmark::State& state, const std::u16string& text, const std::string& key,
+                  const re::search_options& options = {}) {
+  usearch_finder finder(kCreme, text, options);
   std::vector<std::pair<int32_t, int32_t>> found;
-  const bool agrees = bench::remember<bool>("fold-find-all-" + key, [&] {
+  const bool agrees = bench::remember<bool>(key, [&] {
     finder.find_all(found);
-    return found.size() == re::search_pattern(kCreme).find_all(text).size();
+    const std::size_t library =
+        re::search_pattern(kCreme, re::query_syntax::literal, options).find_all(text).size();
+    return options.match_case ? library <= found.size() : library == found.size();
   });
   if (finder.failed() || !agrees) {
     state.SkipWithError("the library does not find as many matches as usearch");
@@ -292,11 +298,11 @@ void icu_find_all(benchmark::State& state, const std::u16string& text, const std
 
 void lib_french_find_all(benchmark::State& state) { lib_find_all(state, french_text(kUnits)); }
 void icu_french_find_all(benchmark::State& state) {
-  icu_find_all(state, french_text(kUnits), "french");
+  icu_find_all(state, french_text(kUnits), "fold-find-all-french");
 }
 void lib_scripts_find_all(benchmark::State& state) { lib_find_all(state, scripts_text(kUnits)); }
 void icu_scripts_find_all(benchmark::State& state) {
-  icu_find_all(state, scripts_text(kUnits), "scripts");
+  icu_find_all(state, scripts_text(kUnits), "fold-find-all-scripts");
 }
 
 // The toggles of a search box, each alone: literal find_all of "creme" over
@@ -337,25 +343,7 @@ void lib_options_find_all(benchmark::State& state, const re::search_options& opt
 
 void icu_options_find_all(benchmark::State& state, const re::search_options& options,
                           const std::string& name) {
-  const std::u16string& text = french_text(kUnits);
-  usearch_finder finder(kCreme, text, options);
-  std::vector<std::pair<int32_t, int32_t>> found;
-  const bool agrees = bench::remember<bool>("fold-options-" + name, [&] {
-    finder.find_all(found);
-    const std::size_t library =
-        re::search_pattern(kCreme, re::query_syntax::literal, options).find_all(text).size();
-    return options.match_case ? library <= found.size() : library == found.size();
-  });
-  if (finder.failed() || !agrees) {
-    state.SkipWithError("the library does not find as many matches as usearch");
-    return;
-  }
-  for (auto _ : state) {
-    finder.find_all(found);
-    benchmark::DoNotOptimize(found.data());
-  }
-  count_matches(state, found.size());
-  state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(text.size() * 2));
+  icu_find_all(state, french_text(kUnits), "fold-options-" + name, options);
 }
 
 // found_in over every name: how many names the query is found in.

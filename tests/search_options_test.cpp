@@ -13,33 +13,21 @@
 
 #include <scl/regex.h>
 
+#include "support/search_support.h"
+
 namespace {
 
 namespace re = scl::regex;
-using ranges = std::vector<std::pair<std::size_t, std::size_t>>;
+using scl_regex_test::find;
+using scl_regex_test::options_with;
+using scl_regex_test::ranges;
 
-template <class Text>
-ranges find(const re::search_pattern& pattern, const Text& text) {
-  ranges found;
-  for (const re::source_match& m : pattern.find_all(text)) found.emplace_back(m.start, m.end);
-  return found;
-}
-
-re::search_options with(bool match_case, re::diacritics_rule diacritics, bool whole_words = false,
-                        bool ignore_punctuation = false) {
-  re::search_options options;
-  options.match_case = match_case;
-  options.diacritics = diacritics;
-  options.whole_words = whole_words;
-  options.ignore_punctuation = ignore_punctuation;
-  return options;
-}
-
-const re::search_options kMatchCase = with(true, re::diacritics_rule::ignore);
-const re::search_options kMatch = with(false, re::diacritics_rule::match);
-const re::search_options kTyped = with(false, re::diacritics_rule::match_typed);
-const re::search_options kWords = with(false, re::diacritics_rule::ignore, true);
-const re::search_options kPunctuation = with(false, re::diacritics_rule::ignore, false, true);
+const re::search_options kMatchCase = options_with(true, re::diacritics_rule::ignore);
+const re::search_options kMatch = options_with(false, re::diacritics_rule::match);
+const re::search_options kTyped = options_with(false, re::diacritics_rule::match_typed);
+const re::search_options kWords = options_with(false, re::diacritics_rule::ignore, true);
+const re::search_options kPunctuation =
+    options_with(false, re::diacritics_rule::ignore, false, true);
 
 bool finds(std::u16string_view query, std::u16string_view text, const re::search_options& options,
            re::query_syntax syntax = re::query_syntax::literal) {
@@ -68,7 +56,8 @@ TEST(SearchOptions, DefaultsAreTheDefaultSearch) {
 TEST(SearchOptions, ThePatternKeepsItsOptions) {
   EXPECT_EQ(re::search_pattern().options(), re::search_options{});
   EXPECT_EQ(re::search_pattern(u"x").options(), re::search_options{});
-  const re::search_options options = with(true, re::diacritics_rule::match_typed, true, true);
+  const re::search_options options =
+      options_with(true, re::diacritics_rule::match_typed, true, true);
   const re::search_pattern pattern(u"x", re::query_syntax::literal, options);
   EXPECT_EQ(pattern.options(), options);
   const re::search_pattern copy = pattern;
@@ -147,7 +136,7 @@ TEST(SearchOptions, AnIllFormedLocaleTagIsAnIllegalArgument) {
   }
 }
 TEST(SearchOptions, CheckAcceptsGoodOptionsAsTheConstructorDoes) {
-  const re::search_options options = with(true, re::diacritics_rule::match, true, true);
+  const re::search_options options = options_with(true, re::diacritics_rule::match, true, true);
   EXPECT_FALSE(re::search_pattern::check(u"x", re::query_syntax::literal, options));
   EXPECT_FALSE(re::search_pattern::check(u"[a-z]+", re::query_syntax::regex, options));
   const std::optional<re::pattern_error> error = re::search_pattern::check(
@@ -224,7 +213,7 @@ TEST(DiacriticsMatchTyped, AccentsTypedFirstLetTheTextsOtherAccentsComeBeforeThe
     EXPECT_EQ(find(query(u"\u0301\u0301r"), u"\u0301\u0300r", kTyped, syntax), ranges{});
     EXPECT_EQ(
         find(query(u"\u0355\u0355\u0355r\u0321er"), u"\u0355\u0355\u0355\u0355@r\u0321er,(\u0321eY",
-             with(true, re::diacritics_rule::match_typed, true, true), syntax),
+             options_with(true, re::diacritics_rule::match_typed, true, true), syntax),
         (ranges{{0, 9}}));
   }
 }
@@ -260,10 +249,10 @@ TEST(MatchCase, CaseCountsAtTheStrengthOfTheDiacriticsRule) {
   EXPECT_FALSE(finds(u"Resume", u"RESUME", kMatchCase));
   EXPECT_FALSE(finds(u"stra\u00dfe", u"Stra\u00dfe", kMatchCase));
   // With diacritics matched, at secondary strength; where typed, at primary.
-  const re::search_options case_accents = with(true, re::diacritics_rule::match);
+  const re::search_options case_accents = options_with(true, re::diacritics_rule::match);
   EXPECT_FALSE(finds(u"Resume", u"R\u00e9sum\u00e9", case_accents));
   EXPECT_TRUE(finds(u"R\u00e9sum\u00e9", u"R\u00e9sum\u00e9", case_accents));
-  const re::search_options case_typed = with(true, re::diacritics_rule::match_typed);
+  const re::search_options case_typed = options_with(true, re::diacritics_rule::match_typed);
   EXPECT_TRUE(finds(u"Resume", u"R\u00e9sum\u00e9", case_typed));
   EXPECT_FALSE(finds(u"resume", u"R\u00e9sum\u00e9", case_typed));
 }
@@ -304,14 +293,14 @@ TEST(IgnorePunctuation, SpacesAndPunctuationFoldToNothing) {
 // Options combine freely
 
 TEST(Combined, EveryToggleAtOnce) {
-  const re::search_options all = with(true, re::diacritics_rule::match_typed, true, true);
+  const re::search_options all = options_with(true, re::diacritics_rule::match_typed, true, true);
   EXPECT_EQ(find(u"NewYork", u"in New-York.", all), (ranges{{3, 11}}));
   EXPECT_FALSE(finds(u"newyork", u"in New-York.", all));    // case
   EXPECT_FALSE(finds(u"NewYork", u"in New-Yorker.", all));  // whole words
   EXPECT_TRUE(finds(u"Cafe", u"Caf\u00e9!", all));          // typed: any accent
   EXPECT_FALSE(finds(u"Caf\u00e9", u"Cafe!", all));
   const re::search_options accents_punctuation =
-      with(false, re::diacritics_rule::match, false, true);
+      options_with(false, re::diacritics_rule::match, false, true);
   EXPECT_TRUE(finds(u"ecole", u"\u00e9-cole e-cole", accents_punctuation));
   EXPECT_EQ(find(u"ecole", u"\u00e9-cole e-cole", accents_punctuation), (ranges{{7, 13}}));
 }
@@ -341,7 +330,7 @@ TEST(SearchFoldWithOptions, AccentsFoldApartFromTheirLetters) {
   EXPECT_EQ(folded.text(), u"cafe\u0301");
   EXPECT_EQ(folded.source_range(3, 5), (std::pair<std::size_t, std::size_t>{3, 4}));
   // Case keeps capitals.
-  EXPECT_EQ(re::search_fold(u"Caf\u00e9", with(true, re::diacritics_rule::match)).text(),
+  EXPECT_EQ(re::search_fold(u"Caf\u00e9", options_with(true, re::diacritics_rule::match)).text(),
             u"Cafe\u0301");
   EXPECT_EQ(re::search_fold(u"Caf\u00e9", kMatchCase).text(), u"Cafe");
   // Accents in the order the collator reads them, whatever class their
@@ -490,7 +479,7 @@ TEST(RegexWithOptions, WholeWordsApplyToEachMatchsEdges) {
 
 TEST(RegexWithOptions, GroupsNumberingAndNamesStayTheCallers) {
   const re::search_pattern pattern(u"(?<first>\\w+)-(\\w+)", re::query_syntax::regex,
-                                   with(true, re::diacritics_rule::match, false, false));
+                                   options_with(true, re::diacritics_rule::match, false, false));
   EXPECT_EQ(pattern.group_count(), 2);
   EXPECT_EQ(pattern.group_number("first"), 1);
   const std::vector<re::source_match> matches = pattern.find_all(u"Caf\u00e9-Cr\u00e8me");
@@ -528,7 +517,7 @@ TEST(HeaderExample, TheTogglesGiveWhatItSays) {
   EXPECT_FALSE(finds(u"ss", u"\u00df", kMatch));
   // An accent after punctuation is ignored with it; accents alone find nothing.
   const re::search_options accents_punctuation =
-      with(false, re::diacritics_rule::match, false, true);
+      options_with(false, re::diacritics_rule::match, false, true);
   EXPECT_TRUE(finds(u"ea", u"e-\u0301a", accents_punctuation));
   EXPECT_FALSE(finds(u"\u0301", u"e\u0301 \u0301", accents_punctuation));
   EXPECT_TRUE(finds(u"\u0301", u"\n\u0301", kMatch));

@@ -23,15 +23,7 @@ struct option_set {
 
 void PrintTo(const option_set& set, std::ostream* out) { *out << set.name; }
 
-re::search_options make_options(bool match_case, re::diacritics_rule diacritics, bool whole_words,
-                                bool ignore_punctuation) {
-  re::search_options options;
-  options.match_case = match_case;
-  options.diacritics = diacritics;
-  options.whole_words = whole_words;
-  options.ignore_punctuation = ignore_punctuation;
-  return options;
-}
+using scl_regex_test::options_with;
 
 class EachOption : public testing::TestWithParam<option_set> {};
 
@@ -51,14 +43,14 @@ TEST_P(EachOption, FindsWhatUsearchFindsOnRandomTextInManyScripts) {
 INSTANTIATE_TEST_SUITE_P(
     Options, EachOption,
     testing::Values(
-        option_set{"match_case", make_options(true, re::diacritics_rule::ignore, false, false)},
+        option_set{"match_case", options_with(true, re::diacritics_rule::ignore, false, false)},
         option_set{"diacritics_match",
-                   make_options(false, re::diacritics_rule::match, false, false)},
+                   options_with(false, re::diacritics_rule::match, false, false)},
         option_set{"diacritics_match_typed",
-                   make_options(false, re::diacritics_rule::match_typed, false, false)},
-        option_set{"whole_words", make_options(false, re::diacritics_rule::ignore, true, false)},
+                   options_with(false, re::diacritics_rule::match_typed, false, false)},
+        option_set{"whole_words", options_with(false, re::diacritics_rule::ignore, true, false)},
         option_set{"ignore_punctuation",
-                   make_options(false, re::diacritics_rule::ignore, false, true)}),
+                   options_with(false, re::diacritics_rule::ignore, false, true)}),
     [](const testing::TestParamInfo<option_set>& info) { return info.param.name; });
 
 // Every combination of the toggles.
@@ -75,7 +67,7 @@ std::vector<option_set> every_combination() {
           sets.push_back({std::string(match_case ? "case" : "nocase") + "_" + rule_name +
                               (whole_words ? "_words" : "") +
                               (ignore_punctuation ? "_punctuation" : ""),
-                          make_options(match_case, rule, whole_words, ignore_punctuation)});
+                          options_with(match_case, rule, whole_words, ignore_punctuation)});
         }
       }
     }
@@ -107,7 +99,7 @@ INSTANTIATE_TEST_SUITE_P(Options, EveryCombination, testing::ValuesIn(every_comb
 // search folding follows the collator.
 TEST(OptionsDocumentedDifferences, UsearchReadsHalfALongWeightAsPunctuation) {
   const re::search_options punctuation =
-      make_options(false, re::diacritics_rule::ignore, false, true);
+      options_with(false, re::diacritics_rule::ignore, false, true);
   usearch_oracle oracle(punctuation);
   ASSERT_TRUE(oracle.ready());
   bool failed = false;
@@ -132,7 +124,7 @@ TEST(OptionsDocumentedDifferences, UsearchReadsHalfALongWeightAsPunctuation) {
   EXPECT_FALSE(punctuation_half_read_as_letter(0x4E00));
   EXPECT_EQ(excluded(oracle, punctuation, u"1\u0707", u"1"), exclusion::punctuation_half_as_letter);
   // With accents, usearch ignores the accent after such a character.
-  const re::search_options accents = make_options(false, re::diacritics_rule::match, false, true);
+  const re::search_options accents = options_with(false, re::diacritics_rule::match, false, true);
   usearch_oracle accent_oracle(accents);
   EXPECT_EQ(accent_oracle.find_all(u"\u4e00\u0301", u"\u4e00", failed), (ranges{{0, 1}}));
   EXPECT_FALSE(
@@ -145,7 +137,7 @@ TEST(OptionsDocumentedDifferences, UsearchReadsHalfALongWeightAsPunctuation) {
 // match. Search folding ends the match where it does before a few.
 TEST(OptionsDocumentedDifferences, UsearchOverflowsOnManyAccentsAfterATypedMatch) {
   const re::search_options typed =
-      make_options(false, re::diacritics_rule::match_typed, false, false);
+      options_with(false, re::diacritics_rule::match_typed, false, false);
   usearch_oracle oracle(typed);
   ASSERT_TRUE(oracle.ready());
   const re::search_pattern s(u"s", re::query_syntax::literal, typed);
@@ -175,7 +167,7 @@ TEST(OptionsDocumentedDifferences, UsearchOverflowsOnManyAccentsAfterATypedMatch
 // "(1)"), and accents alone find nothing.
 TEST(OptionsAsUsearch, CharactersThatStartWithPunctuationAndAccentsAlone) {
   const re::search_options punctuation =
-      make_options(false, re::diacritics_rule::ignore, false, true);
+      options_with(false, re::diacritics_rule::ignore, false, true);
   usearch_oracle oracle(punctuation);
   bool failed = false;
   for (const auto& [query, text] : {std::pair<std::u16string, std::u16string>{u"a", u"a\u2474"},
@@ -190,7 +182,7 @@ TEST(OptionsAsUsearch, CharactersThatStartWithPunctuationAndAccentsAlone) {
   }
   EXPECT_FALSE(
       re::search_pattern(u"a", re::query_syntax::literal, punctuation).found_in(u"a\u2474"));
-  const re::search_options accents = make_options(false, re::diacritics_rule::match, false, true);
+  const re::search_options accents = options_with(false, re::diacritics_rule::match, false, true);
   EXPECT_FALSE(
       re::search_pattern(u"\u0301", re::query_syntax::literal, accents).found_in(u"\n\u0301"));
   EXPECT_FALSE(failed);

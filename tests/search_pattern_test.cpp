@@ -10,17 +10,13 @@
 
 #include <scl/regex.h>
 
+#include "support/search_support.h"
+
 namespace {
 
 namespace re = scl::regex;
-using ranges = std::vector<std::pair<std::size_t, std::size_t>>;
-
-template <class Text>
-ranges find(const re::search_pattern& pattern, const Text& text) {
-  ranges found;
-  for (const re::source_match& m : pattern.find_all(text)) found.emplace_back(m.start, m.end);
-  return found;
-}
+using scl_regex_test::find;
+using scl_regex_test::ranges;
 
 ranges find(std::u16string_view query, std::u16string_view text) {
   return find(re::search_pattern(query), text);

@@ -113,12 +113,6 @@ inline ranges to_utf16(const ranges& byte_ranges, const utf8_text& text) {
   return out;
 }
 
-inline ranges ranges_of(const std::vector<re::source_match>& matches) {
-  ranges out;
-  for (const re::source_match& match : matches) out.emplace_back(match.start, match.end);
-  return out;
-}
-
 // `text` with every range replaced by `replacement`; nothing if the ranges are
 // out of order or outside the text.
 template <class String>

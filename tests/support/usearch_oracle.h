@@ -29,74 +29,48 @@
 
 #include <scl/regex/search_pattern.h>
 
+#include "support/search_support.h"
+
 namespace scl_regex_test::search_differential {
 
 namespace re = scl::regex;
 
-using range = std::pair<std::size_t, std::size_t>;
-using ranges = std::vector<range>;
+using scl_regex_test::range;
+using scl_regex_test::ranges;
+using scl_regex_test::ranges_of;
 
 inline constexpr std::size_t kNowhere = static_cast<std::size_t>(-1);
 
 // ---------------------------------------------------------------------------
 // Text helpers
 
-inline std::u16string nfc(std::u16string_view text) {
-  UErrorCode status = U_ZERO_ERROR;
-  const UNormalizer2* normalizer = unorm2_getNFCInstance(&status);
-  std::u16string out(text.size() * 3 + 8, u'\0');
-  const int32_t length =
-      unorm2_normalize(normalizer, text.data(), static_cast<int32_t>(text.size()), out.data(),
-                       static_cast<int32_t>(out.size()), &status);
-  if (U_FAILURE(status)) return u"<normalisation failed>";
-  out.resize(static_cast<std::size_t>(length));
-  return out;
-}
-
-inline std::u16string nfd(std::u16string_view text) {
-  UErrorCode status = U_ZERO_ERROR;
-  const UNormalizer2* normalizer = unorm2_getNFDInstance(&status);
-  std::u16string out(text.size() * 4 + 8, u'\0');
-  const int32_t length =
-      unorm2_normalize(normalizer, text.data(), static_cast<int32_t>(text.size()), out.data(),
-                       static_cast<int32_t>(out.size()), &status);
-  if (U_FAILURE(status)) return u"<normalisation failed>";
-  out.resize(static_cast<std::size_t>(length));
-  return out;
-}
-
-inline void append_code_point(std::u16string& text, UChar32 c) {
-  if (c <= 0xFFFF) {
-    text += static_cast<char16_t>(c);
-  } else {
-    text += U16_LEAD(c);
-    text += U16_TRAIL(c);
-  }
-}
-
-inline std::vector<UChar32> code_points_of(std::u16string_view text) {
-  std::vector<UChar32> out;
-  for (std::size_t i = 0; i < text.size();) {
-    UChar32 c;
-    U16_NEXT(text.data(), i, text.size(), c);
-    out.push_back(c);
-  }
-  return out;
-}
+using scl_regex_test::append_code_point;
+using scl_regex_test::code_points_of;
+using scl_regex_test::nfc;
+using scl_regex_test::nfd;
 
 // ---------------------------------------------------------------------------
 // The oracle
 
-// The ICU locale ID of the collator for `locale`, a BCP 47 tag ("_" read as
-// "-"): "" (the root) for none, else the locale's "search" collation unless
-// the tag names one. "" also for an ill-formed tag.
-inline std::string collator_locale(const std::string& locale) {
-  if (locale.empty()) return "";
+// `locale`, a BCP 47 tag ("_" read as "-"), as ICU reads it; bogus if it is
+// ill-formed.
+inline icu::Locale parsed_tag(const std::string& locale) {
   std::string tag = locale;
   std::replace(tag.begin(), tag.end(), '_', '-');
   UErrorCode status = U_ZERO_ERROR;
-  const icu::Locale parsed = icu::Locale::forLanguageTag(tag, status);
-  if (U_FAILURE(status)) return "";
+  icu::Locale parsed = icu::Locale::forLanguageTag(tag, status);
+  if (U_FAILURE(status)) parsed.setToBogus();
+  return parsed;
+}
+
+// The ICU locale ID of the collator for `locale`: "" (the root) for none,
+// else the locale's "search" collation unless the tag names one. "" also for
+// an ill-formed tag.
+inline std::string collator_locale(const std::string& locale) {
+  if (locale.empty()) return "";
+  const icu::Locale parsed = parsed_tag(locale);
+  if (parsed.isBogus()) return "";
+  UErrorCode status = U_ZERO_ERROR;
   char collation[64] = {};
   parsed.getKeywordValue("collation", collation, sizeof collation, status);
   return std::string(parsed.getBaseName()) +
@@ -105,11 +79,8 @@ inline std::string collator_locale(const std::string& locale) {
 
 // The ICU locale ID whose word break rules `locale` asks for.
 inline std::string word_locale(const std::string& locale) {
-  std::string tag = locale;
-  std::replace(tag.begin(), tag.end(), '_', '-');
-  UErrorCode status = U_ZERO_ERROR;
-  const icu::Locale parsed = icu::Locale::forLanguageTag(tag, status);
-  return U_SUCCESS(status) ? parsed.getName() : "";
+  const icu::Locale parsed = parsed_tag(locale);
+  return parsed.isBogus() ? "" : parsed.getName();
 }
 
 // usearch set up as `options` say: the collator of the options' locale (the
