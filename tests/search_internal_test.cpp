@@ -62,16 +62,7 @@ TEST(FoldTable, BuiltInIsWhatTheRunningIcuGives) {
                               as_vector(data::case_composites, data::case_composite_count)));
 
   // Tables loaded from the rebuilt image read the same values.
-  const detail::fold_table_lists lists{image.prevowel_pairs.data(),
-                                       image.prevowel_pairs.size(),
-                                       image.dropped_starts.data(),
-                                       image.dropped_starts.size(),
-                                       image.variable_ends.data(),
-                                       image.variable_ends.size(),
-                                       {image.composites[0].data(), image.composites[1].data()},
-                                       {image.composites[0].size(), image.composites[1].size()},
-                                       nullptr,
-                                       0};
+  const detail::fold_table_lists lists = detail::lists_of(image, 0);
   for (int index = 0; index < detail::fold_variant::count; ++index) {
     SCOPED_TRACE("variant " + std::to_string(index));
     const detail::fold_variant variant = detail::fold_variant::at(index);

@@ -35,7 +35,7 @@ const cluster_syntax::alphabet& cluster_syntax::alphabet_of(const fold_table& ta
   return table.derived<alphabet>(fold_table::slot::alphabet, [&] {
     auto result = std::make_unique<alphabet>();
     const code_point_bits& folds = fold_runs::of(table).alphabet;
-    const fold_table& root = table.sibling({});
+    const fold_table& primary = table.sibling({});
     const fold_table& letters = table.sibling(table.variant().without_accents());
     const fold_table& without_case = table.sibling(table.variant().without_case());
     std::u16string fold;
@@ -48,11 +48,12 @@ const cluster_syntax::alphabet& cluster_syntax::alphabet_of(const fold_table& ta
       first = next_code_point(fold.data(), at, length);
       return at == length;
     };
-    // The accents: what folded text holds of what the root reads as nothing.
+    // The accents: what folded text holds of what the collator reads as
+    // nothing at primary strength.
     result->accents.set(dot_accent, dot_accent);
     for (UChar32 c = 0; c < code_point_bits::limit;) {
       std::uint32_t value = 0;
-      const UChar32 end = root.fold_run(c, value);
+      const UChar32 end = primary.fold_run(c, value);
       if (fold_value::kind(value) == fold_kind::nothing) {
         for (UChar32 k = folds.next(c, true); k <= end; k = folds.next(k + 1, true)) {
           result->accents.set(k, k);

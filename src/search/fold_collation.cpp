@@ -30,19 +30,6 @@ void throw_if_failed(UErrorCode status) {
   if (U_FAILURE(status)) throw regex_exception(status);
 }
 
-fold_table_lists lists_of(const fold_tables_image& image, std::size_t index) {
-  return {image.prevowel_pairs.data(),
-          image.prevowel_pairs.size(),
-          image.dropped_starts.data(),
-          image.dropped_starts.size(),
-          image.variable_ends.data(),
-          image.variable_ends.size(),
-          {image.composites[0].data(), image.composites[1].data()},
-          {image.composites[0].size(), image.composites[1].size()},
-          image.contractions[index].data(),
-          image.contractions[index].size()};
-}
-
 // The character bits of every code point (fold_value.h), as the root's
 // table has them.
 std::vector<std::uint32_t> character_bits() {
@@ -57,15 +44,28 @@ std::vector<std::uint32_t> character_bits() {
 
 }  // namespace
 
-std::string locale_id(std::string_view locale) {
+std::optional<std::string> locale_id(std::string_view locale) {
   std::string tag(locale);
   for (char& c : tag) {
     if (c == '_') c = '-';
   }
   UErrorCode status = U_ZERO_ERROR;
   const icu::Locale parsed = icu::Locale::forLanguageTag(tag, status);
-  if (U_FAILURE(status) || parsed.isBogus()) throw regex_exception(U_ILLEGAL_ARGUMENT_ERROR);
-  return parsed.getName();
+  if (U_FAILURE(status) || parsed.isBogus()) return std::nullopt;
+  return std::string(parsed.getName());
+}
+
+fold_table_lists lists_of(const fold_tables_image& image, std::size_t index) {
+  return {image.prevowel_pairs.data(),
+          image.prevowel_pairs.size(),
+          image.dropped_starts.data(),
+          image.dropped_starts.size(),
+          image.variable_ends.data(),
+          image.variable_ends.size(),
+          {image.composites[0].data(), image.composites[1].data()},
+          {image.composites[0].size(), image.composites[1].size()},
+          image.contractions[index].data(),
+          image.contractions[index].size()};
 }
 
 fold_collation::fold_collation(key) : tag_("und"), embedded_(built_for_running_icu()) {
@@ -110,7 +110,9 @@ const fold_collation& fold_collation::of(std::string_view locale) {
 
   // The locale with its collation: the one the tag names, else "search".
   // (Other keywords are the options' to set: strength, case, punctuation.)
-  const icu::Locale requested(locale_id(locale).c_str());
+  const std::optional<std::string> id = locale_id(locale);
+  if (!id) throw regex_exception(U_ILLEGAL_ARGUMENT_ERROR);
+  const icu::Locale requested(id->c_str());
   UErrorCode status = U_ZERO_ERROR;
   char collation[64] = {};
   requested.getKeywordValue("collation", collation, sizeof collation, status);

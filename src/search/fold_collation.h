@@ -9,6 +9,7 @@
 #include <array>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -28,7 +29,7 @@ class fold_collation {
   // The collation of `locale`: the root's for "", else the locale's search
   // collation, or the one its tag names ("de-u-co-phonebk"), as ICU resolves
   // it. Made at the first use of each tag. Throws regex_exception with
-  // U_ILLEGAL_ARGUMENT_ERROR for an ill-formed tag (locale_id), or ICU's code
+  // U_ILLEGAL_ARGUMENT_ERROR for an ill-formed tag, or ICU's code
   // if ICU cannot open the collator.
   static const fold_collation& of(std::string_view locale);
 
@@ -64,10 +65,12 @@ class fold_collation {
   mutable std::array<std::unique_ptr<fold_table>, fold_variant::count> tables_;
 };
 
-// The ICU locale ID of a BCP 47 tag ("sv-SE" or "sv_SE": "sv_SE"; "" for "").
-// Throws regex_exception with U_ILLEGAL_ARGUMENT_ERROR if the tag is not
-// well-formed.
-std::string locale_id(std::string_view locale);
+// The ICU locale ID of a BCP 47 tag ("sv-SE" or "sv_SE": "sv_SE"; "" for ""),
+// or no value if the tag is not well-formed.
+std::optional<std::string> locale_id(std::string_view locale);
+
+// The lists of table `index` of `image` (fold_table.h), pointing into it.
+fold_table_lists lists_of(const fold_tables_image& image, std::size_t index);
 
 }  // namespace scl::regex::detail
 

@@ -449,8 +449,8 @@ UErrorCode build_variant(const element_table& table, const element_reader& reade
 
   // The contractions: each folds as a code point with its keys would. A key
   // that only contractions have (Slovak "ch") is given a stand-in of its own.
-  std::vector<UChar32> stand_ins = unused_singletons();
-  std::reverse(stand_ins.begin(), stand_ins.end());
+  std::vector<UChar32> stand_ins;  // listed when the first key needs one, smallest last
+  bool stand_ins_listed = false;
   std::map<UChar32, std::u16string> starters;  // the code points that start contractions
   if (contraction_folds != nullptr) contraction_folds->clear();
   for (const contraction_elements& contraction : contractions) {
@@ -462,6 +462,11 @@ UErrorCode build_variant(const element_table& table, const element_reader& reade
     } else {
       for (const element_key key : keys) {
         if (reps.of(key) < 0) {
+          if (!stand_ins_listed) {
+            stand_ins = unused_singletons();
+            std::reverse(stand_ins.begin(), stand_ins.end());
+            stand_ins_listed = true;
+          }
           if (stand_ins.empty()) return U_BUFFER_OVERFLOW_ERROR;
           reps.assign(key, stand_ins.back());
           stand_ins.pop_back();

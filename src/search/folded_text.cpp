@@ -61,7 +61,7 @@ class folder {
  public:
   folder(const fold_table& table, const Unit* text, int32_t size, folded_text& out)
       : table_(table),
-        root_(table.sibling({})),
+        primary_(table.sibling({})),
         accents_(table.variant().accents),
         text_(text),
         size_(size),
@@ -122,11 +122,17 @@ class folder {
   // `first` starts: folded as one piece. Returns where it ends, or `at` if
   // none is there.
   int32_t fold_contraction(UChar32 first, int32_t at) {
-    std::u16string head;
-    append_code_point(head, first);
+    char16_t units[2];
+    const std::u16string_view head(units, first > 0xFFFF ? 2 : 1);
+    if (first > 0xFFFF) {
+      units[0] = U16_LEAD(first);
+      units[1] = U16_TRAIL(first);
+    } else {
+      units[0] = static_cast<char16_t>(first);
+    }
     const contraction_fold* begin = std::lower_bound(
         table_.contractions_begin(), table_.contractions_end(), head,
-        [](const contraction_fold& c, const std::u16string& text) { return c.text < text; });
+        [](const contraction_fold& c, std::u16string_view text) { return c.text < text; });
     const contraction_fold* longest = nullptr;
     int32_t longest_end = at;
     for (const contraction_fold* c = begin;
@@ -455,9 +461,9 @@ class folder {
     return known != kUnknownClass ? known : representative_class(at);
   }
 
-  // Whether the root collator reads `c` as nothing at primary strength.
+  // Whether the collator reads `c` as nothing at primary strength.
   bool primary_ignorable(UChar32 c) const {
-    return fold_value::kind(root_.value(c)) == fold_kind::nothing;
+    return fold_value::kind(primary_.value(c)) == fold_kind::nothing;
   }
 
   // Whether "shifted" ignores `c`: a space or punctuation.
@@ -465,7 +471,7 @@ class folder {
     return fold_value::kind(table_.value(c)) == fold_kind::nothing && !primary_ignorable(c);
   }
 
-  // Whether the character at [at, end), which the root collator reads as
+  // Whether the character at [at, end), which the collator reads as
   // nothing at primary strength, comes after punctuation with nothing but
   // such characters between: "shifted" ignores it then. What was found
   // last is remembered, so that a run of such characters is read once.
@@ -566,7 +572,8 @@ class folder {
     const UChar32 first = code_point_at(normalised_.data(), 0, length);
     const int32_t before = out_.size;
     const bool joins = joins_previous(fold_value::klass(table_.value(first)));
-    bool accents_only = true;  // the segment is what the root reads as nothing at primary strength
+    bool accents_only =
+        true;  // the segment is what the collator reads as nothing at primary strength
     UChar32 previous = previous_;
     const bool shifted_accents = accents_ && table_.variant().shifted;
     bool after_punctuation = shifted_accents && after_variable(start, start);
@@ -606,8 +613,8 @@ class folder {
   }
 
   const fold_table& table_;
-  const fold_table& root_;  // the root collator's table, at primary strength
-  bool accents_;            // whether the table keeps accents
+  const fold_table& primary_;  // the collation's table at primary strength
+  bool accents_;               // whether the table keeps accents
   const Unit* text_;
   int32_t size_;
   folded_text& out_;

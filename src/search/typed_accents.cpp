@@ -16,7 +16,7 @@ constexpr UChar32 middle_dot = 0xB7;
 }  // namespace
 
 typed_accents::typed_accents(const fold_table& accents, std::u16string_view query, bool dot_apart)
-    : table_(&accents), dot_apart_(dot_apart) {
+    : table_(&accents), letters_(&accents.sibling({})), dot_apart_(dot_apart) {
   folded_text folded;
   fold_text(accents, query.data(), static_cast<int32_t>(query.size()), false, folded);
   elements_of(folded, 0, query_);
@@ -24,7 +24,6 @@ typed_accents::typed_accents(const fold_table& accents, std::u16string_view quer
 
 void typed_accents::elements_of(const folded_text& folded, int32_t offset,
                                 std::vector<element>& out) const {
-  const fold_table& root = table_->sibling({});
   std::u16string letters;
   std::u16string back;
   std::u16string self;
@@ -44,7 +43,7 @@ void typed_accents::elements_of(const folded_text& folded, int32_t offset,
       continue;
     }
     letters.clear();
-    root.append_fold(unit, letters);
+    letters_->append_fold(unit, letters);
     const auto length = static_cast<int32_t>(letters.size());
     if (length == 0) {
       out.push_back({0, false, unit, 0, start, end});  // an accent
@@ -100,7 +99,7 @@ std::size_t typed_accents::match_from(const std::vector<element>& text, std::siz
 bool typed_accents::accent(UChar32 c, UChar32 previous) const {
   if (c == middle_dot && (previous == u'l' || previous == u'L')) return true;  // "l\u00b7"
   // Punctuation that "shifted" ignores is no element either.
-  return fold_value::kind(table_->sibling({}).value(c)) == fold_kind::nothing ||
+  return fold_value::kind(letters_->value(c)) == fold_kind::nothing ||
          (table_->variant().shifted && fold_value::kind(table_->value(c)) == fold_kind::nothing);
 }
 

@@ -79,6 +79,7 @@ class typed_accents {
   bool accent(UChar32 c, UChar32 previous) const;
 
   const fold_table* table_ = nullptr;
+  const fold_table* letters_ = nullptr;  // the same collation at primary strength
   bool dot_apart_ = false;
   std::vector<element> query_;
 };
