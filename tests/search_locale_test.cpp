@@ -50,6 +50,8 @@ TEST(SearchLocale, SwedishKeepsItsOwnLettersApart) {
   EXPECT_TRUE(finds("sv", u"\u00e5nger", u"\u00c5NGER"));
   EXPECT_TRUE(finds("sv", u"\u00f6l", u"\u00d8l"));  // Ö and Ø are one letter
   EXPECT_TRUE(finds("fi", u"\u00e4", u"\u00c4"));
+  EXPECT_TRUE(finds("fi", u"\u00f6", u"\u00f8"));
+  EXPECT_FALSE(finds("fi", u"\u00c5nger", u"Anger"));
   EXPECT_FALSE(finds("fi", u"a", u"\u00e4"));
   EXPECT_TRUE(finds("", u"anger", u"\u00c5nger"));  // the root reads them alike
 }
@@ -59,6 +61,8 @@ TEST(SearchLocale, DanishReadsDoubleAAsARing) {
   EXPECT_TRUE(finds("da", u"\u00e5rhus", u"Aarhus"));
   EXPECT_TRUE(finds("da", u"[\u00e5]rhus", u"Aarhus", re::query_syntax::regex));
   EXPECT_FALSE(finds("da", u"a", u"Aarhus"));  // "aa" is one letter: no "a" in it
+  EXPECT_TRUE(finds("nb", u"aarhus", u"\u00c5rhus"));
+  EXPECT_FALSE(finds("nb", u"a", u"Aarhus"));
   EXPECT_EQ(re::search_fold(u"Aa", in("da")).text(), re::search_fold(u"\u00e5", in("da")).text());
   // The whole contraction is one piece of the text.
   const std::vector<re::source_match> found =

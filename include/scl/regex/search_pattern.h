@@ -233,6 +233,36 @@
 //     U_INTERNAL_PROGRAM_ERROR or ends the match after them; search folding
 //     ends the match as it does before fewer.
 //
+// The user's language (search_options::locale, a BCP 47 tag; "_" is read as
+// "-"). What counts as the same letter depends on the reader's language, and
+// CLDR defines a search collation for each: the search then reads text as
+// that collation does, at the levels the other options say, in place of the
+// root collator. The collation is the locale's "search" collation as ICU
+// resolves it (Collator::createInstance, falling back as ICU does: the root's
+// search rules, "und-u-co-search", for a language without rules of its own,
+// such as "cs", "ja" or "zz"); a tag that names a collation keeps it
+// ("de-u-co-phonebk"). Other Unicode extension keywords are not read: the
+// options set strength, case and punctuation. collation_locale() tells which
+// collation ICU chose.
+//   - Swedish and Finnish: "\u00e5", "\u00e4" and "\u00f6" are letters of their
+//     own ("\u00c5nger" does not find "Anger"), and "\u00f6" finds "\u00f8".
+//   - Danish and Norwegian: "aa" is "\u00e5" ("aarhus" finds "\u00c5rhus"), one
+//     letter, so "a" is not found in "Aarhus".
+//   - Turkish: "\u0131" finds "I" and "i" finds "\u0130"; "\u0131" does not find "i".
+//   - German: "ae" finds "\u00e4". Spanish: "ano" does not find "a\u00f1o".
+//   - Arabic (the root's search rules): alef with hamza or madda is alef,
+//     teh marbuta is heh: "\u0627\u062d\u0645\u062f" finds "\u0623\u062d\u0645\u062f".
+// A contraction of the collation ("aa", "Aa" and "AA" in Danish) folds as one
+// piece, matched longest first as the collator matches it, in text and query
+// alike; a regex class sees its fold as one character ("[\u00e5]rhus" finds
+// "Aarhus"). A contraction whose collation elements no character has alone
+// folds to a letter that NFC never lets through. whole_words finds the
+// boundaries of the locale's word break iterator. A language's fold tables
+// are built from ICU's collator at the first search in it with a given set
+// of options (some hundreds of milliseconds), then kept for the life of the
+// process, shared by all threads. The differences from usearch listed above
+// carry over, for the contractions of the root collator too.
+//
 // Thread safety: a search_pattern is immutable after construction; any number
 // of threads may search with one object, or with copies of it, at once.
 // Searches honour the calling thread's match_time_limit.
@@ -272,7 +302,7 @@ struct search_options {
   diacritics_rule diacritics = diacritics_rule::ignore;
   bool whole_words = false;         // matches start and end on word boundaries
   bool ignore_punctuation = false;  // spaces and punctuation count as nothing
-  std::string locale;               // reserved for the user's language: must be empty for now
+  std::string locale;               // the user's language, a BCP 47 tag ("sv"); "" for none
 
   friend bool operator==(const search_options& a, const search_options& b) {
     return a.match_case == b.match_case && a.diacritics == b.diacritics &&
@@ -293,8 +323,9 @@ struct search_options {
 // texts fold to the same text exactly when ICU's collator set up by the
 // options calls them equal. whole_words does not change the fold, and
 // diacritics = match_typed folds as match does. Throws regex_exception with
-// U_ILLEGAL_ARGUMENT_ERROR for an options value out of range, and
-// U_UNSUPPORTED_ERROR for a locale; otherwise as above.
+// U_ILLEGAL_ARGUMENT_ERROR for an options value out of range or an
+// ill-formed locale tag, and ICU's code if ICU cannot open the locale's
+// collator; otherwise as above.
 [[nodiscard]] SCL_REGEX_API prepared_text search_fold(std::u16string_view text,
                                                       const search_options& options);
 
@@ -327,8 +358,9 @@ class SCL_REGEX_API search_pattern {
   explicit search_pattern(std::u16string_view query, query_syntax syntax = query_syntax::literal);
   explicit search_pattern(std::string_view utf8_query, query_syntax syntax = query_syntax::literal);
   // The same, searching as `options` say. An options value out of range (a
-  // cast enumerator) throws regex_exception with U_ILLEGAL_ARGUMENT_ERROR, and
-  // a locale U_UNSUPPORTED_ERROR, before the query is read.
+  // cast enumerator) or an ill-formed locale tag throws regex_exception with
+  // U_ILLEGAL_ARGUMENT_ERROR, and a locale whose collator ICU cannot open
+  // ICU's code, before the query is read.
   search_pattern(std::u16string_view query, query_syntax syntax, const search_options& options);
   search_pattern(std::string_view utf8_query, query_syntax syntax, const search_options& options);
 
