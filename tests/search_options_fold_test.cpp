@@ -32,12 +32,14 @@ struct fold_case {
 
 void PrintTo(const fold_case& c, std::ostream* out) { *out << c.name; }
 
-// The root collator set up as `options` say: secondary strength where
+// The collator of the options' locale (the root's if none) set up as
+// `options` say: secondary strength where
 // diacritics count, the case level, "shifted". Normalisation is on so that
 // the comparison is exact for any input (some folds are not in NFC).
 collator_ptr collator_for(const re::search_options& options) {
   UErrorCode status = U_ZERO_ERROR;
-  collator_ptr collator(ucol_open("", &status), &ucol_close);
+  collator_ptr collator(
+      ucol_open(scl_regex_test::collator_locale(options.locale).c_str(), &status), &ucol_close);
   if (U_FAILURE(status)) return collator_ptr(nullptr, &ucol_close);
   ucol_setStrength(collator.get(), options.diacritics == re::diacritics_rule::ignore
                                        ? UCOL_PRIMARY
@@ -165,8 +167,13 @@ const std::vector<std::vector<std::u16string>> kFamilies = {
     {u" ", u"-", u".", u"\u00ad", u"", u"\u0327", u"\u0301", u"\u0308"},
 };
 
-TEST_P(FoldWithOptions, TextsFoldAlikeExactlyWhenTheCollatorCallsThemEqual) {
-  const re::search_options& options = GetParam().options;
+// Pairs of texts made of spellings from `families` (two of a family, and a
+// family of its own here and there), 6000 of them from `seed`: they fold
+// alike exactly when the collator for `options` calls them equal, and the
+// pairs test both ways.
+void expect_families_fold_as_the_collator_says(
+    const re::search_options& options, const std::vector<std::vector<std::u16string>>& families,
+    const std::string& name) {
   const collator_ptr collator = collator_for(options);
   ASSERT_NE(collator, nullptr);
   std::mt19937 random(2026);
@@ -175,15 +182,13 @@ TEST_P(FoldWithOptions, TextsFoldAlikeExactlyWhenTheCollatorCallsThemEqual) {
   long pairs = 0;
   long equal_pairs = 0;
   for (int i = 0; i < 6000; ++i) {
-    // Two texts of the same families, each a spelling of its own, and one
-    // with a family of its own here and there.
     std::u16string a;
     std::u16string b;
     const std::size_t parts = 1 + pick(4);
     for (std::size_t k = 0; k < parts; ++k) {
-      const auto& family = kFamilies[pick(kFamilies.size())];
+      const auto& family = families[pick(families.size())];
       a += family[pick(family.size())];
-      const auto& other = pick(8) == 0 ? kFamilies[pick(kFamilies.size())] : family;
+      const auto& other = pick(8) == 0 ? families[pick(families.size())] : family;
       b += other[pick(other.size())];
     }
     a = nfc(a);
@@ -191,12 +196,15 @@ TEST_P(FoldWithOptions, TextsFoldAlikeExactlyWhenTheCollatorCallsThemEqual) {
     ++pairs;
     equal_pairs += agreement.check(a, b) ? 1 : 0;
   }
-  std::printf("%s: %ld pairs, %ld equal, %ld failures\n", GetParam().name.c_str(), pairs,
-              equal_pairs, agreement.failures());
+  std::printf("%s: %ld pairs, %ld equal, %ld failures\n", name.c_str(), pairs, equal_pairs,
+              agreement.failures());
   EXPECT_EQ(agreement.failures(), 0);
-  // The pairs test both ways.
   EXPECT_GT(equal_pairs, pairs / 20);
   EXPECT_LT(equal_pairs, pairs * 19 / 20);
+}
+
+TEST_P(FoldWithOptions, TextsFoldAlikeExactlyWhenTheCollatorCallsThemEqual) {
+  expect_families_fold_as_the_collator_says(GetParam().options, kFamilies, GetParam().name);
 }
 
 // Two marks on a letter, among them marks whose representative has another
@@ -248,6 +256,47 @@ TEST_P(FoldWithOptions, MarksKeepTheirOrderAcrossAGraphemeJoiner) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Options, FoldWithOptions, testing::ValuesIn(fold_cases()),
+                         [](const testing::TestParamInfo<fold_case>& info) {
+                           return info.param.name;
+                         });
+
+// Spellings that languages' search rules read in their own way: Danish "aa",
+// Nordic letters, Turkish i, German umlauts, Spanish n, Arabic alef and teh
+// marbuta, Slovak and Hungarian digraphs.
+const std::vector<std::vector<std::u16string>> kLanguageFamilies = {
+    {u"aa", u"Aa", u"AA", u"aA", u"\u00e5", u"\u00c5", u"a\u030a", u"a", u"A", u"a-a"},
+    {u"\u00f6", u"\u00d6", u"\u00f8", u"\u00d8", u"o", u"O", u"\u0151", u"oe"},
+    {u"\u00e4", u"\u00c4", u"ae", u"AE", u"\u00e6", u"\u00c6", u"a", u"e"},
+    {u"\u0131", u"I", u"i", u"\u0130", u"\u00ed"},
+    {u"\u00fc", u"ue", u"u", u"y", u"\u00dc"},
+    {u"n", u"\u00f1", u"N", u"\u00d1"},
+    {u"\u0627", u"\u0623", u"\u0625", u"\u0622", u"\u0629", u"\u0647", u"\u064a", u"\u0649"},
+    {u"ch", u"Ch", u"CH", u"c", u"h", u"cs", u"dzs", u"gy", u"ly", u"ccs"},
+    {u" ", u"-", u"\u0301", u"\u0308", u"\u00ad"},
+};
+
+// Two texts fold alike exactly when the language's collator calls them equal,
+// contractions included.
+class FoldInALanguage : public testing::TestWithParam<fold_case> {};
+
+TEST_P(FoldInALanguage, TextsFoldAlikeExactlyWhenTheLanguagesCollatorCallsThemEqual) {
+  expect_families_fold_as_the_collator_says(GetParam().options, kLanguageFamilies,
+                                            GetParam().name);
+}
+
+std::vector<fold_case> language_cases() {
+  std::vector<fold_case> cases;
+  for (const char* locale : {"sv", "da", "tr", "de", "es", "ar", "sk", "hu"}) {
+    cases.push_back({locale, scl_regex_test::options_with(false, re::diacritics_rule::ignore, false,
+                                                          false, locale)});
+    cases.push_back({std::string(locale) + "_case_accents_punctuation",
+                     scl_regex_test::options_with(true, re::diacritics_rule::match, false, true,
+                                                  locale)});
+  }
+  return cases;
+}
+
+INSTANTIATE_TEST_SUITE_P(Languages, FoldInALanguage, testing::ValuesIn(language_cases()),
                          [](const testing::TestParamInfo<fold_case>& info) {
                            return info.param.name;
                          });

@@ -1,8 +1,10 @@
 // What the search tests share: matches as ranges, options made in one call,
-// and text helpers (normalisation, code points).
+// text helpers (normalisation, code points), and which ICU collator and word
+// break rules a locale tag asks for.
 #ifndef SCL_REGEX_TESTS_SUPPORT_SEARCH_SUPPORT_H
 #define SCL_REGEX_TESTS_SUPPORT_SEARCH_SUPPORT_H
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -10,6 +12,7 @@
 #include <utility>
 #include <vector>
 
+#include <unicode/locid.h>
 #include <unicode/unorm2.h>
 #include <unicode/utf16.h>
 
@@ -94,6 +97,37 @@ inline std::vector<UChar32> code_points_of(std::u16string_view text) {
     out.push_back(c);
   }
   return out;
+}
+
+// `locale`, a BCP 47 tag ("_" read as "-"), as ICU reads it; bogus if it is
+// ill-formed.
+inline icu::Locale parsed_tag(const std::string& locale) {
+  std::string tag = locale;
+  std::replace(tag.begin(), tag.end(), '_', '-');
+  UErrorCode status = U_ZERO_ERROR;
+  icu::Locale parsed = icu::Locale::forLanguageTag(tag, status);
+  if (U_FAILURE(status)) parsed.setToBogus();
+  return parsed;
+}
+
+// The ICU locale ID of the collator for `locale`: "" (the root) for none,
+// else the locale's "search" collation unless the tag names one. "" also for
+// an ill-formed tag.
+inline std::string collator_locale(const std::string& locale) {
+  if (locale.empty()) return "";
+  const icu::Locale parsed = parsed_tag(locale);
+  if (parsed.isBogus()) return "";
+  UErrorCode status = U_ZERO_ERROR;
+  char collation[64] = {};
+  parsed.getKeywordValue("collation", collation, sizeof collation, status);
+  return std::string(parsed.getBaseName()) +
+         "@collation=" + (collation[0] != '\0' ? collation : "search");
+}
+
+// The ICU locale ID whose word break rules `locale` asks for.
+inline std::string word_locale(const std::string& locale) {
+  const icu::Locale parsed = parsed_tag(locale);
+  return parsed.isBogus() ? "" : parsed.getName();
 }
 
 }  // namespace scl_regex_test

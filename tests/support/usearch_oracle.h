@@ -52,36 +52,8 @@ using scl_regex_test::nfd;
 // ---------------------------------------------------------------------------
 // The oracle
 
-// `locale`, a BCP 47 tag ("_" read as "-"), as ICU reads it; bogus if it is
-// ill-formed.
-inline icu::Locale parsed_tag(const std::string& locale) {
-  std::string tag = locale;
-  std::replace(tag.begin(), tag.end(), '_', '-');
-  UErrorCode status = U_ZERO_ERROR;
-  icu::Locale parsed = icu::Locale::forLanguageTag(tag, status);
-  if (U_FAILURE(status)) parsed.setToBogus();
-  return parsed;
-}
-
-// The ICU locale ID of the collator for `locale`: "" (the root) for none,
-// else the locale's "search" collation unless the tag names one. "" also for
-// an ill-formed tag.
-inline std::string collator_locale(const std::string& locale) {
-  if (locale.empty()) return "";
-  const icu::Locale parsed = parsed_tag(locale);
-  if (parsed.isBogus()) return "";
-  UErrorCode status = U_ZERO_ERROR;
-  char collation[64] = {};
-  parsed.getKeywordValue("collation", collation, sizeof collation, status);
-  return std::string(parsed.getBaseName()) +
-         "@collation=" + (collation[0] != '\0' ? collation : "search");
-}
-
-// The ICU locale ID whose word break rules `locale` asks for.
-inline std::string word_locale(const std::string& locale) {
-  const icu::Locale parsed = parsed_tag(locale);
-  return parsed.isBogus() ? "" : parsed.getName();
-}
+using scl_regex_test::collator_locale;
+using scl_regex_test::word_locale;
 
 // usearch set up as `options` say: the collator of the options' locale (the
 // root's, or the locale's search collation) at primary strength, or
