@@ -165,6 +165,56 @@ TEST(ConcurrentSearchFolding, OnePatternWithOptionsSharedByEveryThread) {
             0);
 }
 
+// Eight threads meet eight new languages at once, two threads each: every
+// language's tables are built while others are, each once, and every thread
+// finds what its language says; then one Danish pattern serves every thread.
+TEST(ConcurrentSearchFolding, EightThreadsMeetEightNewLanguagesAtOnce) {
+  namespace re = scl::regex;
+  struct language {
+    const char* locale;
+    const char16_t* query;
+    const char16_t* finds;
+    const char16_t* misses;
+  };
+  static const language languages[] = {
+      {"sv", u"\u00e5nger", u"\u00c5NGER", u"Anger"},
+      {"da", u"aarhus", u"\u00c5rhus", u"arhus"},
+      {"tr", u"\u0131", u"I", u"i"},
+      {"de", u"ae", u"\u00e4", u"a"},
+      {"es", u"a\u00f1o", u"A\u00d1O", u"ano"},
+      {"fi", u"\u00f6", u"\u00f8", u"o"},
+      {"nb", u"aa", u"\u00e5", u"a"},
+      {"ar", u"\u0627\u062d\u0645\u062f", u"\u0623\u062d\u0645\u062f", u"\u062d\u0645\u062f"},
+  };
+  EXPECT_EQ(scl_regex_test::run_on_threads(
+                16, 1,
+                [&](int t, int) {
+                  const language& l = languages[t % 8];
+                  re::search_options options;
+                  options.locale = l.locale;
+                  const re::search_pattern pattern(l.query, re::query_syntax::literal, options);
+                  return (pattern.found_in(l.finds) ? 0 : 1) +
+                         (pattern.found_in(l.misses) ? 1 : 0) +
+                         (re::search_fold(l.finds, options).text() ==
+                                  re::search_fold(l.query, options).text()
+                              ? 0
+                              : 1);
+                }),
+            0);
+  re::search_options danish;
+  danish.locale = "da";
+  danish.whole_words = true;
+  const re::search_pattern shared(u"aarhus", re::query_syntax::literal, danish);
+  EXPECT_EQ(run_on_threads([&](int t, int r) {
+              const std::u16string pad(static_cast<std::size_t>(t + r), u'x');
+              const std::vector<re::source_match> found =
+                  shared.find_all(pad + u" \u00c5rhus, AARHUS, Aarhusgade");
+              const auto at = static_cast<std::size_t>(t + r + 1);
+              return found.size() == 2 && found[0].start == at && found[1].start == at + 7 ? 0 : 1;
+            }),
+            0);
+}
+
 TEST(ConcurrentFreeFunctions, OneShotReplaceUtf16AndUtf8) {
   EXPECT_EQ(run_on_threads([](int t, int r) {
               const std::u16string subject = numbered(t, r);
