@@ -91,11 +91,72 @@ const std::vector<std::u16string>& script_words() {
   return words;
 }
 
-// Exactly `units` UTF-16 units of words of many scripts separated by spaces,
-// cut at the last whole word and padded with spaces.
-const std::u16string& scripts_text(std::size_t units) {
-  return bench::remember<std::u16string>("scripts" + bench::size_name(units), [&] {
-    const std::vector<std::u16string>& words = script_words();
+// Swedish and Danish words: the letters their search rules read in their own
+// way (å, ä, ö, ø, æ; Danish "aa"), in place names and everyday words.
+const std::vector<std::u16string>& nordic_words() {
+  static const std::vector<std::u16string> words = [] {
+    const std::vector<std::u16string> written = {u"\u00c5rhus",
+                                                 u"Aarhus",
+                                                 u"AARHUS",
+                                                 u"arhus",
+                                                 u"\u00e5nger",
+                                                 u"\u00c5nger",
+                                                 u"anger",
+                                                 u"K\u00f8benhavn",
+                                                 u"G\u00f6teborg",
+                                                 u"Malm\u00f6",
+                                                 u"\u00f8l",
+                                                 u"\u00d6land",
+                                                 u"s\u00f8ster",
+                                                 u"b\u00e5d",
+                                                 u"haa",
+                                                 u"Haag",
+                                                 u"m\u00e6lk",
+                                                 u"\u00e4pple",
+                                                 u"\u00e6ble",
+                                                 u"och",
+                                                 u"og",
+                                                 u"det",
+                                                 u"\u00e4r",
+                                                 u"er",
+                                                 u"att",
+                                                 u"at",
+                                                 u"som",
+                                                 u"p\u00e5",
+                                                 u"med",
+                                                 u"f\u00f6r",
+                                                 u"for",
+                                                 u"till",
+                                                 u"til",
+                                                 u"inte",
+                                                 u"ikke",
+                                                 u"sj\u00f6",
+                                                 u"s\u00f8",
+                                                 u"\u00e5r",
+                                                 u"aar",
+                                                 u"gr\u00f8d",
+                                                 u"fl\u00f8de",
+                                                 u"sm\u00f6rg\u00e5sbord",
+                                                 u"Str\u00f6mstad",
+                                                 u"Aalborg",
+                                                 u"\u00c5lborg",
+                                                 u"Kr\u00e6mmerhus",
+                                                 u"v\u00e4g",
+                                                 u"vej",
+                                                 u"gade",
+                                                 u"gata"};
+    std::vector<std::u16string> out;
+    for (const std::u16string& word : written) out.push_back(nfc(word));
+    return out;
+  }();
+  return words;
+}
+
+// Exactly `units` UTF-16 units of `words` separated by spaces, cut at the
+// last whole word and padded with spaces; made once per `key`.
+const std::u16string& words_of(const std::string& key, const std::vector<std::u16string>& words,
+                               std::size_t units) {
+  return bench::remember<std::u16string>(key + bench::size_name(units), [&] {
     std::u16string text;
     bench::sequence pick;
     for (;;) {
@@ -107,6 +168,16 @@ const std::u16string& scripts_text(std::size_t units) {
     text.resize(units, u' ');
     return text;
   });
+}
+
+// Exactly `units` UTF-16 units of words of many scripts.
+const std::u16string& scripts_text(std::size_t units) {
+  return words_of("scripts", script_words(), units);
+}
+
+// Exactly `units` UTF-16 units of Swedish and Danish words.
+const std::u16string& nordic_text(std::size_t units) {
+  return words_of("nordic", nordic_words(), units);
 }
 
 // 1 MiB of French words (bench_texts.h), about one word in 26 a "crème".
@@ -188,16 +259,19 @@ const std::vector<std::u16string>& city_names() {
   return names;
 }
 
-// The root collator and one string search for `query`, opened over `text`
-// (which must outlive it) and reused for every search: at primary strength,
-// or set up as `options` say (secondary strength where diacritics count,
-// asymmetric where typed, "shifted", the root's word break iterator; usearch
-// has no case level).
+// The root collator (or the search collation of the options' locale, a bare
+// language such as "da") and one string search for `query`, opened over
+// `text` (which must outlive it) and reused for every search: at primary
+// strength, or set up as `options` say (secondary strength where diacritics
+// count, asymmetric where typed, "shifted", the root's word break iterator;
+// usearch has no case level).
 class usearch_finder {
  public:
   usearch_finder(const std::u16string& query, const std::u16string& text,
                  const re::search_options& options = {}) {
-    collator_ = ucol_open("", &status_);
+    const std::string locale =
+        options.locale.empty() ? std::string() : options.locale + "@collation=search";
+    collator_ = ucol_open(locale.c_str(), &status_);
     ucol_setStrength(collator_, options.diacritics == re::diacritics_rule::ignore ? UCOL_PRIMARY
                                                                                   : UCOL_SECONDARY);
     if (options.ignore_punctuation) {
@@ -271,17 +345,17 @@ void lib_find_all(benchmark::State& state, const std::u16string& text) {
   time_find_all(state, pattern, text);
 }
 
-// usearch's find_all of "creme" in `text`, set up as `options` say; skipped
+// usearch's find_all of `query` in `text`, set up as `options` say; skipped
 // unless the library finds as many matches (for match_case, no more: usearch
 // has no case level). `key` names the check, which runs once per process.
 void icu_find_all(benchmark::State& state, const std::u16string& text, const std::string& key,
-                  const re::search_options& options = {}) {
-  usearch_finder finder(kCreme, text, options);
+                  const re::search_options& options = {}, const std::u16string& query = kCreme) {
+  usearch_finder finder(query, text, options);
   std::vector<std::pair<int32_t, int32_t>> found;
   const bool agrees = bench::remember<bool>(key, [&] {
     finder.find_all(found);
     const std::size_t library =
-        re::search_pattern(kCreme, re::query_syntax::literal, options).find_all(text).size();
+        re::search_pattern(query, re::query_syntax::literal, options).find_all(text).size();
     return options.match_case ? library <= found.size() : library == found.size();
   });
   if (finder.failed() || !agrees) {
@@ -344,6 +418,36 @@ void lib_options_find_all(benchmark::State& state, const re::search_options& opt
 void icu_options_find_all(benchmark::State& state, const re::search_options& options,
                           const std::string& name) {
   icu_find_all(state, french_text(kUnits), "fold-options-" + name, options);
+}
+
+// A language's search collation: literal find_all over 1 MiB of Swedish and
+// Danish words, with the locale's search collation, against usearch on the
+// same collator. Swedish "\u00e5nger" (not "anger"); Danish "aarhus", which
+// the "aa" contraction makes "\u00e5rhus".
+struct language_case {
+  const char* locale;
+  std::u16string query;
+};
+
+const std::vector<language_case>& language_cases() {
+  static const std::vector<language_case> cases = {{"sv", u"\u00e5nger"}, {"da", u"aarhus"}};
+  return cases;
+}
+
+re::search_options in_language(const char* locale) {
+  re::search_options options;
+  options.locale = locale;
+  return options;
+}
+
+void lib_language_find_all(benchmark::State& state, const language_case& c) {
+  const re::search_pattern pattern(c.query, re::query_syntax::literal, in_language(c.locale));
+  time_find_all(state, pattern, nordic_text(kUnits));
+}
+
+void icu_language_find_all(benchmark::State& state, const language_case& c) {
+  icu_find_all(state, nordic_text(kUnits), std::string("fold-language-") + c.locale,
+               in_language(c.locale), c.query);
 }
 
 // found_in over every name: how many names the query is found in.
@@ -517,6 +621,11 @@ void icu_regex_compile(benchmark::State& state, const std::u16string& query) {
     benchmark::RegisterBenchmark(("lib/" + name).c_str(), lib_options_find_all, option.options);
     benchmark::RegisterBenchmark(("icu/" + name).c_str(), icu_options_find_all, option.options,
                                  std::string(option.name));
+  }
+  for (const language_case& c : language_cases()) {
+    const std::string name = std::string("fold_language_find_all/nordic/1M/") + c.locale;
+    benchmark::RegisterBenchmark(("lib/" + name).c_str(), lib_language_find_all, c);
+    benchmark::RegisterBenchmark(("icu/" + name).c_str(), icu_language_find_all, c);
   }
   for (const char* name : {"\\p{L}", "[^\\s]"}) {
     const std::u16string query = ascii(name);

@@ -72,6 +72,25 @@ TEST(SearchLocale, DanishReadsDoubleAAsARing) {
   EXPECT_EQ(found[0].end, 3U);
 }
 
+// Contractions are read from the left, longest first, as the collator reads
+// them, up to the end of the text.
+TEST(SearchLocale, ContractionsAreReadFromTheLeftLongestFirst) {
+  const re::search_options danish = in("da");
+  EXPECT_EQ(re::search_fold(u"aaa", danish).text(), re::search_fold(u"\u00e5a", danish).text());
+  const re::search_pattern ring(u"\u00e5", re::query_syntax::literal, danish);
+  const std::vector<re::source_match> rings = ring.find_all(u"aaaa");
+  ASSERT_EQ(rings.size(), 2U);
+  EXPECT_EQ(rings[0].start, 0U);
+  EXPECT_EQ(rings[1].start, 2U);
+  EXPECT_EQ(rings[1].end, 4U);
+  const std::vector<re::source_match> a =
+      re::search_pattern(u"a", re::query_syntax::literal, danish).find_all(u"Aa a");
+  ASSERT_EQ(a.size(), 1U);
+  EXPECT_EQ(a[0].start, 3U);
+  // UTF-8 text reads them alike.
+  EXPECT_EQ(ring.find_all("aaaa").size(), 2U);
+}
+
 TEST(SearchLocale, TurkishDottedAndDotlessIAreTwoLetters) {
   EXPECT_TRUE(finds("tr", u"\u0131", u"I"));
   EXPECT_TRUE(finds("tr", u"i", u"\u0130"));

@@ -38,8 +38,8 @@ void PrintTo(const fold_case& c, std::ostream* out) { *out << c.name; }
 // the comparison is exact for any input (some folds are not in NFC).
 collator_ptr collator_for(const re::search_options& options) {
   UErrorCode status = U_ZERO_ERROR;
-  collator_ptr collator(
-      ucol_open(scl_regex_test::collator_locale(options.locale).c_str(), &status), &ucol_close);
+  collator_ptr collator(ucol_open(scl_regex_test::collator_locale(options.locale).c_str(), &status),
+                        &ucol_close);
   if (U_FAILURE(status)) return collator_ptr(nullptr, &ucol_close);
   ucol_setStrength(collator.get(), options.diacritics == re::diacritics_rule::ignore
                                        ? UCOL_PRIMARY
@@ -280,8 +280,7 @@ const std::vector<std::vector<std::u16string>> kLanguageFamilies = {
 class FoldInALanguage : public testing::TestWithParam<fold_case> {};
 
 TEST_P(FoldInALanguage, TextsFoldAlikeExactlyWhenTheLanguagesCollatorCallsThemEqual) {
-  expect_families_fold_as_the_collator_says(GetParam().options, kLanguageFamilies,
-                                            GetParam().name);
+  expect_families_fold_as_the_collator_says(GetParam().options, kLanguageFamilies, GetParam().name);
 }
 
 std::vector<fold_case> language_cases() {
@@ -289,9 +288,9 @@ std::vector<fold_case> language_cases() {
   for (const char* locale : {"sv", "da", "tr", "de", "es", "ar", "sk", "hu"}) {
     cases.push_back({locale, scl_regex_test::options_with(false, re::diacritics_rule::ignore, false,
                                                           false, locale)});
-    cases.push_back({std::string(locale) + "_case_accents_punctuation",
-                     scl_regex_test::options_with(true, re::diacritics_rule::match, false, true,
-                                                  locale)});
+    cases.push_back(
+        {std::string(locale) + "_case_accents_punctuation",
+         scl_regex_test::options_with(true, re::diacritics_rule::match, false, true, locale)});
   }
   return cases;
 }

@@ -64,9 +64,29 @@ fold_table::fold_table(const fold_collation& collation, fold_variant variant,
     }
     latin_[c] = packed;
   }
+  for (std::uint32_t k = 0; k < lists.contraction_count; ++k) {
+    const std::u16string& text = lists.contractions[k].text;
+    int32_t at = 0;
+    UChar32 first = 0;
+    U16_NEXT(text.data(), at, static_cast<int32_t>(text.size()), first);
+    if (starters_.empty() || starters_.back().first != first) starters_.push_back({first, k, k});
+    starters_.back().end = k + 1;
+    UChar32 second = 0;
+    U16_NEXT(text.data(), at, static_cast<int32_t>(text.size()), second);
+    if (second <= 0xFFFF)
+      followers_[static_cast<std::size_t>(second) >> 6] |= 1ULL << (second & 63);
+  }
 }
 
 fold_table::~fold_table() { ucptrie_close(trie_); }
+
+std::pair<const contraction_fold*, const contraction_fold*> fold_table::contractions_of(
+    UChar32 first) const {
+  const auto it = std::lower_bound(starters_.begin(), starters_.end(), first,
+                                   [](const starter& s, UChar32 c) { return s.first < c; });
+  if (it == starters_.end() || it->first != first) return {nullptr, nullptr};
+  return {contractions_begin() + it->begin, contractions_begin() + it->end};
+}
 
 namespace {
 

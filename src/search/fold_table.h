@@ -11,6 +11,7 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include <unicode/ucptrie.h>
 #include <unicode/unorm2.h>
@@ -81,6 +82,13 @@ class fold_table {
   const contraction_fold* contractions_end() const {
     return lists_->contractions + lists_->contraction_count;
   }
+  // Those that start with `first`, a range of them.
+  std::pair<const contraction_fold*, const contraction_fold*> contractions_of(UChar32 first) const;
+  // Whether `c` may be the second code point of a contraction (false means
+  // no contraction goes on with it).
+  bool may_follow_starter(UChar32 c) const {
+    return c > 0xFFFF || (followers_[static_cast<std::size_t>(c) >> 6] >> (c & 63) & 1) != 0;
+  }
 
   // The last code point of the run from `start` whose folds are all alike:
   // each folds to itself, or all to themselves plus one delta, or all to one
@@ -135,6 +143,14 @@ class fold_table {
   const fold_table_lists* lists_ = nullptr;
   const UNormalizer2* nfc_ = nullptr;
   std::uint32_t latin_[latin_limit] = {};
+  // For each code point that starts contractions, where they are.
+  struct starter {
+    UChar32 first;
+    std::uint32_t begin;
+    std::uint32_t end;
+  };
+  std::vector<starter> starters_;
+  std::vector<std::uint64_t> followers_ = std::vector<std::uint64_t>(0x10000 / 64);  // BMP bits
   mutable std::once_flag derived_once_[static_cast<std::size_t>(slot::count)];
   mutable std::shared_ptr<const void> derived_[static_cast<std::size_t>(slot::count)];
 };

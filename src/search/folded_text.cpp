@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include <unicode/uchar.h>
@@ -105,7 +106,7 @@ class folder {
       const std::uint32_t value = table_.value(c);
       if (check && out_of_nfc(c, value)) return start;
       if (table_.starts_contractions(value)) {
-        const int32_t contraction_end = fold_contraction(c, start);
+        const int32_t contraction_end = fold_contraction(start);
         if (contraction_end > start) {
           at = contraction_end;
           continue;
@@ -118,35 +119,45 @@ class folder {
     return at;
   }
 
-  // The longest contraction of the table that the text has at `at`, where
-  // `first` starts: folded as one piece. Returns where it ends, or `at` if
-  // none is there.
-  int32_t fold_contraction(UChar32 first, int32_t at) {
-    char16_t units[2];
-    const std::u16string_view head(units, first > 0xFFFF ? 2 : 1);
-    if (first > 0xFFFF) {
-      units[0] = U16_LEAD(first);
-      units[1] = U16_TRAIL(first);
-    } else {
-      units[0] = static_cast<char16_t>(first);
+  // The longest contraction of the table that the text has at `at`: folded
+  // as one piece. Returns where it ends, or `at` if none is there. The
+  // contractions are sorted by text, so those that the text read so far
+  // starts are a range, narrowed a code point at a time.
+  int32_t fold_contraction(int32_t at) {
+    // Compares a contraction's text, cut to the length of `prefix`, with it.
+    struct by_prefix {
+      bool operator()(const contraction_fold& c, std::u16string_view prefix) const {
+        return std::u16string_view(c.text).substr(0, prefix.size()) < prefix;
+      }
+      bool operator()(std::u16string_view prefix, const contraction_fold& c) const {
+        return prefix < std::u16string_view(c.text).substr(0, prefix.size());
+      }
+    };
+    int32_t in_text = at;
+    const UChar32 head = next_code_point(text_, in_text, size_);
+    if (in_text == size_ || !table_.may_follow_starter(code_point_at(text_, in_text, size_))) {
+      return at;
     }
-    const contraction_fold* begin = std::lower_bound(
-        table_.contractions_begin(), table_.contractions_end(), head,
-        [](const contraction_fold& c, std::u16string_view text) { return c.text < text; });
+    std::array<char16_t, 64> units;  // the text read so far (written before it is read)
+    std::size_t length = 0;
+    auto append = [&](UChar32 c) {
+      if (c <= 0xFFFF) {
+        units[length++] = static_cast<char16_t>(c);
+      } else {
+        units[length++] = U16_LEAD(c);
+        units[length++] = U16_TRAIL(c);
+      }
+    };
+    append(head);
+    auto [first, last] = table_.contractions_of(head);
     const contraction_fold* longest = nullptr;
     int32_t longest_end = at;
-    for (const contraction_fold* c = begin;
-         c != table_.contractions_end() && c->text.compare(0, head.size(), head) == 0; ++c) {
-      const auto length = static_cast<int32_t>(c->text.size());
-      int32_t in_text = at;
-      int32_t in_contraction = 0;
-      bool same = true;
-      while (same && in_contraction < length && in_text < size_) {
-        same = next_code_point(c->text.data(), in_contraction, length) ==
-               next_code_point(text_, in_text, size_);
-      }
-      if (same && in_contraction == length && in_text > longest_end) {
-        longest = c;
+    while (first != last && in_text < size_ && length + 2 <= units.size()) {
+      append(next_code_point(text_, in_text, size_));
+      const std::u16string_view prefix(units.data(), length);
+      std::tie(first, last) = std::equal_range(first, last, prefix, by_prefix{});
+      if (first != last && first->text.size() == length) {  // a whole contraction sorts first
+        longest = first;
         longest_end = in_text;
       }
     }
