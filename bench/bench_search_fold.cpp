@@ -450,6 +450,17 @@ void icu_language_find_all(benchmark::State& state, const language_case& c) {
                in_language(c.locale), c.query);
 }
 
+// The set-up of a pattern once its language's tables are built: a second
+// pattern in a language costs what one with the root collation does.
+void lib_pattern_setup(benchmark::State& state, const char* locale) {
+  const re::search_options options = in_language(locale);
+  (void)re::search_pattern(u"aarhus", re::query_syntax::literal, options).find_all(u"Aarhus");
+  for (auto _ : state) {
+    const re::search_pattern pattern(u"aalborg", re::query_syntax::literal, options);
+    benchmark::DoNotOptimize(&pattern);
+  }
+}
+
 // found_in over every name: how many names the query is found in.
 void lib_found_in(benchmark::State& state) {
   const std::vector<std::u16string>& names = city_names();
@@ -627,6 +638,8 @@ void icu_regex_compile(benchmark::State& state, const std::u16string& query) {
     benchmark::RegisterBenchmark(("lib/" + name).c_str(), lib_language_find_all, c);
     benchmark::RegisterBenchmark(("icu/" + name).c_str(), icu_language_find_all, c);
   }
+  benchmark::RegisterBenchmark("lib/fold_pattern_setup/aalborg/root", lib_pattern_setup, "");
+  benchmark::RegisterBenchmark("lib/fold_pattern_setup/aalborg/da", lib_pattern_setup, "da");
   for (const char* name : {"\\p{L}", "[^\\s]"}) {
     const std::u16string query = ascii(name);
     benchmark::RegisterBenchmark((std::string("lib/fold_regex_compile/") + name).c_str(),

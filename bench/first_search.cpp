@@ -14,17 +14,24 @@
 //   scl_regex_first_search all-options      after a default first search (not counted), one
 //                                           search with each of the 24 option sets: what all
 //                                           their tables add
+//   scl_regex_first_search danish           after a default first search (not counted), the
+//                                           first search with locale "da": "aarhus" in a
+//                                           Danish text (what a language's tables cost)
+//   scl_regex_first_search usearch-danish   ucol_open("da@collation=search"), primary
+//                                           strength, usearch_openFromCollator, usearch_first
 //
 // Prints one line, e.g. "fold ms=0.183 rss_kib=412 first=26,30": the time from
 // before the pattern (or the collator) is made to after the first result
 // (steady_clock), the resident memory added meanwhile (/proc/self/statm), and
 // the first match. Each run measures one mode once; bench/first_search.py runs
 // the modes in several fresh processes and prints the medians.
+#include <algorithm>
 #include <chrono>
 #include <cstddef>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <iterator>
 #include <optional>
 #include <string>
 #include <utility>
@@ -45,6 +52,9 @@ const std::u16string kText =
 const std::u16string kQuery = u"lodz";
 // With case: the query that the options' search finds first ("\u0141\u00f3d\u017a").
 const std::u16string kCapitalQuery = u"Lodz";
+// "Vi bor i Aarhus, ikke i \u00c5lborg.": Danish, where "aa" is "\u00e5".
+const std::u16string kDanishText = u"Vi bor i Aarhus, ikke i \u00c5lborg.";
+const std::u16string kDanishQuery = u"aarhus";
 
 // The process's resident memory in KiB, or -1 if /proc cannot be read.
 long resident_kib() {
@@ -68,9 +78,10 @@ scl::regex::search_options every_toggle() {
   return options;
 }
 
-range first_with_fold(const scl::regex::search_options& options, const std::u16string& query) {
+range first_with_fold(const scl::regex::search_options& options, const std::u16string& query,
+                      const std::u16string& text = kText) {
   const scl::regex::search_pattern pattern(query, scl::regex::query_syntax::literal, options);
-  const std::vector<scl::regex::source_match> found = pattern.find_all(kText);
+  const std::vector<scl::regex::source_match> found = pattern.find_all(text);
   if (found.empty()) return std::nullopt;
   return std::make_pair(found.front().start, found.front().end);
 }
@@ -89,19 +100,28 @@ range first_with_every_option_set() {
   return first;
 }
 
-range first_with_usearch(bool options) {
+scl::regex::search_options danish() {
+  scl::regex::search_options options;
+  options.locale = "da";
+  return options;
+}
+
+// usearch's first search: the root collator at primary strength, or set up
+// as every toggle says (options), or Danish's search collation.
+range first_with_usearch(bool options, bool in_danish = false) {
   UErrorCode status = U_ZERO_ERROR;
-  UCollator* collator = ucol_open("", &status);
+  UCollator* collator = ucol_open(in_danish ? "da@collation=search" : "", &status);
   ucol_setStrength(collator, options ? UCOL_SECONDARY : UCOL_PRIMARY);
   UBreakIterator* words = nullptr;
   if (options) {
     ucol_setAttribute(collator, UCOL_ALTERNATE_HANDLING, UCOL_SHIFTED, &status);
     words = ubrk_open(UBRK_WORD, "", kText.data(), static_cast<int32_t>(kText.size()), &status);
   }
-  const std::u16string& query = options ? kCapitalQuery : kQuery;
+  const std::u16string& query = in_danish ? kDanishQuery : options ? kCapitalQuery : kQuery;
+  const std::u16string& text = in_danish ? kDanishText : kText;
   UStringSearch* search =
-      usearch_openFromCollator(query.data(), static_cast<int32_t>(query.size()), kText.data(),
-                               static_cast<int32_t>(kText.size()), collator, words, &status);
+      usearch_openFromCollator(query.data(), static_cast<int32_t>(query.size()), text.data(),
+                               static_cast<int32_t>(text.size()), collator, words, &status);
   if (options) {
     usearch_setAttribute(search, USEARCH_ELEMENT_COMPARISON,
                          USEARCH_PATTERN_BASE_WEIGHT_IS_WILDCARD, &status);
@@ -126,14 +146,18 @@ range first_with_usearch(bool options) {
 
 int main(int argc, char** argv) {
   const std::string mode = argc == 2 ? argv[1] : "";
-  if (mode != "fold" && mode != "usearch" && mode != "options" && mode != "usearch-options" &&
-      mode != "all-options") {
-    std::fprintf(stderr, "usage: %s fold|usearch|options|usearch-options|all-options\n", argv[0]);
+  static const char* const modes[] = {"fold",        "usearch", "options",       "usearch-options",
+                                      "all-options", "danish",  "usearch-danish"};
+  if (std::find(std::begin(modes), std::end(modes), mode) == std::end(modes)) {
+    std::fprintf(stderr,
+                 "usage: %s fold|usearch|options|usearch-options|all-options|danish|"
+                 "usearch-danish\n",
+                 argv[0]);
     return 2;
   }
   using clock = std::chrono::steady_clock;
   (void)clock::now();  // the clock's own first use is not the search's
-  if (mode == "all-options") (void)first_with_fold({}, kQuery);
+  if (mode == "all-options" || mode == "danish") (void)first_with_fold({}, kQuery);
   const long before = resident_kib();
   const clock::time_point start = clock::now();
   range first;
@@ -141,6 +165,8 @@ int main(int argc, char** argv) {
   if (mode == "options") first = first_with_fold(every_toggle(), kCapitalQuery);
   if (mode == "all-options") first = first_with_every_option_set();
   if (mode == "usearch" || mode == "usearch-options") first = first_with_usearch(mode != "usearch");
+  if (mode == "danish") first = first_with_fold(danish(), kDanishQuery, kDanishText);
+  if (mode == "usearch-danish") first = first_with_usearch(false, true);
   const clock::time_point end = clock::now();
   const long after = resident_kib();
 

@@ -12,17 +12,24 @@ to usearch doing the same, and the median resident memory each added:
   options / usearch-options     every toggle of search_options on (target: at most 5 ms)
   all-options                   one search with each of the 24 option sets after a default
                                 one: what all their tables add (target: at most 2 MiB)
+  danish / usearch-danish       the first Danish search after a default one, against usearch's
+                                first Danish search in a fresh process (target: at most 2 times;
+                                its tables: at most 1 MiB)
 """
 import statistics
 import subprocess
 import sys
 
-MODES = ("fold", "usearch", "options", "usearch-options", "all-options")
+MODES = ("fold", "usearch", "options", "usearch-options", "all-options", "danish",
+         "usearch-danish")
 LABELS = {"fold": "search_pattern", "usearch": "usearch", "options": "search_pattern, options",
-          "usearch-options": "usearch, options", "all-options": "every option set"}
+          "usearch-options": "usearch, options", "all-options": "every option set",
+          "danish": "search_pattern, Danish", "usearch-danish": "usearch, Danish"}
 TARGET_RATIO = 5.0           # fold's first search at most 5 times usearch's
 TARGET_RSS_KIB = 2 * 1024    # at most 2 MiB of resident memory added
 TARGET_OPTIONS_MS = 5.0      # a first search with a new option set
+TARGET_LANGUAGE_RATIO = 2.0  # the first Danish search, against usearch's
+TARGET_LANGUAGE_RSS_KIB = 1024  # a language's tables
 
 
 def run_once(binary, mode):
@@ -63,8 +70,13 @@ def main(binary, runs):
     print(f"every option set, resident memory added: "
           f"{statistics.median(rss['all-options']) / 1024:.2f} MiB "
           f"(target <= {TARGET_RSS_KIB / 1024:g} MiB)")
+    print(f"first Danish search: {median['danish']:.3f} ms, "
+          f"{median['danish'] / median['usearch-danish']:.3f} of usearch's "
+          f"(target <= {TARGET_LANGUAGE_RATIO:g}); its tables: "
+          f"{statistics.median(rss['danish']) / 1024:.2f} MiB "
+          f"(target <= {TARGET_LANGUAGE_RSS_KIB / 1024:g} MiB)")
     status = 0
-    for a, b in (("fold", "usearch"), ("options", "usearch-options")):
+    for a, b in (("fold", "usearch"), ("options", "usearch-options"), ("danish", "usearch-danish")):
         if firsts[a] != firsts[b]:
             print(f"{LABELS[a]} and {LABELS[b]} do not find the same first match")
             status = 1

@@ -98,42 +98,53 @@ const fold_collation& fold_collation::root() {
   return *root;
 }
 
-const fold_collation& fold_collation::of(std::string_view locale) {
-  if (locale.empty()) return root();
+const search_locale& fold_collation::resolve(std::string_view locale) {
+  static const search_locale none{&root(), ""};
+  if (locale.empty()) return none;
+  // The tag this thread asked for last: a pattern asks twice (to check its
+  // options, then to use them), and a program mostly searches in one language.
+  // (Entries stay where they are: std::map does not move them.)
+  thread_local std::string last_tag;
+  thread_local const search_locale* last = nullptr;
+  if (last != nullptr && last_tag == locale) return *last;
+
   static std::mutex mutex;
-  static std::map<std::string, const fold_collation*, std::less<>> by_request;
+  static std::map<std::string, search_locale, std::less<>> by_request;
   static std::map<std::string, std::unique_ptr<const fold_collation>> by_tag;
   const std::lock_guard<std::mutex> lock(mutex);
-  if (const auto found = by_request.find(locale); found != by_request.end()) {
-    return *found->second;
-  }
+  auto found = by_request.find(locale);
+  if (found == by_request.end()) {
+    // The locale with its collation: the one the tag names, else "search".
+    // (Other keywords are the options' to set: strength, case, punctuation.)
+    const std::optional<std::string> id = locale_id(locale);
+    if (!id) throw regex_exception(U_ILLEGAL_ARGUMENT_ERROR);
+    const icu::Locale requested(id->c_str());
+    UErrorCode status = U_ZERO_ERROR;
+    char collation[64] = {};
+    requested.getKeywordValue("collation", collation, sizeof collation, status);
+    icu::Locale with_collation(requested.getBaseName());
+    with_collation.setKeywordValue("collation", collation[0] != '\0' ? collation : "search",
+                                   status);
+    std::unique_ptr<icu::Collator> collator(icu::Collator::createInstance(with_collation, status));
+    throw_if_failed(status);
+    if (collator == nullptr) throw std::bad_alloc();
+    const std::string tag =
+        collator->getLocale(ULOC_ACTUAL_LOCALE, status).toLanguageTag<std::string>(status);
+    throw_if_failed(status);
 
-  // The locale with its collation: the one the tag names, else "search".
-  // (Other keywords are the options' to set: strength, case, punctuation.)
-  const std::optional<std::string> id = locale_id(locale);
-  if (!id) throw regex_exception(U_ILLEGAL_ARGUMENT_ERROR);
-  const icu::Locale requested(id->c_str());
-  UErrorCode status = U_ZERO_ERROR;
-  char collation[64] = {};
-  requested.getKeywordValue("collation", collation, sizeof collation, status);
-  icu::Locale with_collation(requested.getBaseName());
-  with_collation.setKeywordValue("collation", collation[0] != '\0' ? collation : "search", status);
-  std::unique_ptr<icu::Collator> collator(icu::Collator::createInstance(with_collation, status));
-  throw_if_failed(status);
-  if (collator == nullptr) throw std::bad_alloc();
-  std::string tag =
-      collator->getLocale(ULOC_ACTUAL_LOCALE, status).toLanguageTag<std::string>(status);
-  throw_if_failed(status);
-
-  const fold_collation* resolved = &root();
-  if (tag != root().tag()) {
-    auto& made = by_tag[tag];
-    if (made == nullptr)
-      made = std::make_unique<const fold_collation>(key{}, tag, std::move(collator));
-    resolved = made.get();
+    const fold_collation* resolved = &root();
+    if (tag != root().tag()) {
+      auto& made = by_tag[tag];
+      if (made == nullptr) {
+        made = std::make_unique<const fold_collation>(key{}, tag, std::move(collator));
+      }
+      resolved = made.get();
+    }
+    found = by_request.emplace(std::string(locale), search_locale{resolved, *id}).first;
   }
-  by_request.emplace(std::string(locale), resolved);
-  return *resolved;
+  last_tag = locale;
+  last = &found->second;
+  return *last;
 }
 
 const fold_table& fold_collation::table(fold_variant variant) const {

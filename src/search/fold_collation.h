@@ -21,6 +21,15 @@
 
 namespace scl::regex::detail {
 
+class fold_collation;
+
+// A locale tag as a search reads it: its collation, and the ICU locale ID
+// whose word break rules whole_words follows ("" for the root's).
+struct search_locale {
+  const fold_collation* collation;
+  std::string word_locale;
+};
+
 class fold_collation {
  public:
   // The root collator's.
@@ -31,7 +40,9 @@ class fold_collation {
   // it. Made at the first use of each tag. Throws regex_exception with
   // U_ILLEGAL_ARGUMENT_ERROR for an ill-formed tag, or ICU's code
   // if ICU cannot open the collator.
-  static const fold_collation& of(std::string_view locale);
+  static const fold_collation& of(std::string_view locale) { return *resolve(locale).collation; }
+  // The same with the tag's word break locale; made once per tag.
+  static const search_locale& resolve(std::string_view locale);
 
   // The BCP 47 tag of the collation: "und" for the root's, "sv-u-co-search".
   const std::string& tag() const { return tag_; }

@@ -293,7 +293,7 @@ detail::regex_matches search(const detail::search_program* program,
   detail::folded_text& folded = scratch_text::text();
   const int32_t size = detail::icu_length(text.size());
   std::optional<detail::word_breaks> words;
-  if (settings.whole_words) words.emplace(text.data(), size, settings.word_locale);
+  if (settings.whole_words) words.emplace(text.data(), size, settings.locale->word_locale);
   const detail::match_policy policy{
       settings.fold.shifted, words ? &*words : nullptr,
       program->syntax == query_syntax::regex &&
@@ -487,7 +487,7 @@ const search_options& search_pattern::options() const noexcept {
 }
 
 std::string search_pattern::collation_locale() const {
-  return program_ != nullptr ? program_->settings.collation->tag()
+  return program_ != nullptr ? program_->settings.locale->collation->tag()
                              : detail::fold_collation::root().tag();
 }
 

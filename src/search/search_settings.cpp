@@ -17,14 +17,12 @@ std::optional<search_settings::options_error> search_settings::check(
       return options_error{regex_exception(U_ILLEGAL_ARGUMENT_ERROR),
                            "search_options::diacritics is not a diacritics_rule"};
   }
-  if (!locale_id(options.locale)) {
-    return options_error{regex_exception(U_ILLEGAL_ARGUMENT_ERROR),
-                         "search_options::locale is not a well-formed BCP 47 tag"};
-  }
   try {
-    fold_collation::of(options.locale);
+    fold_collation::resolve(options.locale);
   } catch (const regex_exception& error) {
-    return options_error{error, "search_options::locale: ICU cannot open its collator"};
+    return options_error{error, locale_id(options.locale)
+                                    ? "search_options::locale: ICU cannot open its collator"
+                                    : "search_options::locale is not a well-formed BCP 47 tag"};
   }
   return std::nullopt;
 }
@@ -44,8 +42,7 @@ const fold_table& search_settings::text_table(const search_options& options) {
 
 search_settings search_settings::of(const search_options& options, query_syntax syntax) {
   search_settings settings;
-  settings.collation = &fold_collation::of(options.locale);
-  settings.word_locale = locale_id(options.locale).value_or("");
+  settings.locale = &fold_collation::resolve(options.locale);
   settings.fold = text_fold(options);
   settings.whole_words = options.whole_words;
   if (options.diacritics == diacritics_rule::match_typed && syntax == query_syntax::literal) {

@@ -14,15 +14,15 @@
 namespace scl::regex::detail {
 
 struct search_settings {
-  const fold_collation* collation = &fold_collation::root();
-  std::string word_locale;     // the ICU locale ID whose word breaks whole_words finds
+  // The options' locale: its collation, and the word breaks whole_words finds.
+  const search_locale* locale = &fold_collation::resolve({});
   fold_variant fold;           // how the text and the query are folded for searching
   bool typed_accents = false;  // a literal query's accents are checked after (typed_accents.h)
   fold_variant accents;        // ... in this fold
   bool whole_words = false;
 
   // The collation's table of `variant`.
-  const fold_table& table(fold_variant variant) const { return collation->table(variant); }
+  const fold_table& table(fold_variant variant) const { return locale->collation->table(variant); }
 
   // What is wrong with `options`, if anything: the error to throw, and which
   // option, for people. The locale's collation is opened here.
