@@ -91,6 +91,14 @@ TEST(SearchLocale, ContractionsAreReadFromTheLeftLongestFirst) {
   EXPECT_EQ(ring.find_all("aaaa").size(), 2U);
 }
 
+// Catalan reads "l\u00b7" as a letter of its own; the root reads the dot as
+// an accent of the "l".
+TEST(SearchLocale, CatalanReadsLWithMiddleDotAsALetter) {
+  EXPECT_FALSE(finds("ca", u"l", u"l\u00b7"));
+  EXPECT_TRUE(finds("ca", u"l\u00b7l", u"L\u00b7L"));
+  EXPECT_TRUE(finds("", u"l", u"l\u00b7"));
+}
+
 TEST(SearchLocale, TurkishDottedAndDotlessIAreTwoLetters) {
   EXPECT_TRUE(finds("tr", u"\u0131", u"I"));
   EXPECT_TRUE(finds("tr", u"i", u"\u0130"));

@@ -4,8 +4,10 @@
 #include <cstdio>
 #include <ostream>
 #include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
+#include <unicode/coll.h>
 
 #include <scl/regex/search_pattern.h>
 
@@ -62,5 +64,49 @@ INSTANTIATE_TEST_SUITE_P(
                     locale_case{"de-u-co-phonebk", false}, locale_case{"sv", true},
                     locale_case{"da", true}, locale_case{"tr", true}),
     name_of);
+
+}  // namespace
+
+namespace {
+
+std::vector<std::string> available_locales() {
+  std::vector<std::string> out;
+  int32_t count = 0;
+  const icu::Locale* locales = icu::Collator::getAvailableLocales(count);
+  for (int32_t i = 0; i < count; ++i) {
+    UErrorCode status = U_ZERO_ERROR;
+    const std::string tag = locales[i].toLanguageTag<std::string>(status);
+    if (U_SUCCESS(status)) out.push_back(tag);
+  }
+  return out;
+}
+
+// Every locale ICU has collation data for (Collator::getAvailableLocales),
+// with fewer texts each, alone and with every toggle of a search box. One
+// test, so that locales sharing a collation share its tables.
+TEST(EveryLocale, FindsWhatUsearchFindsWithTheLocalesCollator) {
+  const std::vector<std::string> locales = available_locales();
+  EXPECT_GT(locales.size(), 100U);
+  for (const std::string& locale : locales) {
+    for (const bool toggles : {false, true}) {
+      SCOPED_TRACE(locale + (toggles ? " with every toggle" : ""));
+      re::search_options options;
+      options.locale = locale;
+      if (toggles) {
+        options.match_case = true;
+        options.diacritics = re::diacritics_rule::match_typed;
+        options.whole_words = true;
+        options.ignore_punctuation = true;
+      }
+      failure_log log;
+      const differential_counts counts =
+          run_differential(options, 20261127, toggles ? 15 : 40, 4, log);
+      EXPECT_EQ(counts.disagreements, 0) << counts.summary();
+      EXPECT_EQ(counts.usearch_errors, 0);
+      EXPECT_EQ(log.total(), 0) << log.summary();
+      EXPECT_GT(counts.compared, counts.pairs / 2);
+    }
+  }
+}
 
 }  // namespace

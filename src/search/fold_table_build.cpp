@@ -614,9 +614,10 @@ struct collation_data {
   std::unique_ptr<representatives> primary_case_;
 };
 
-// The contractions of `collator` that the root collator does not have, in
-// NFC, with their elements. (The root's own, Thai and Lao prevowels, Tibetan
-// vowels, "l\u00b7", are read as the root's tables read them.)
+// The contractions of `collator` that the root collator does not have, or
+// reads otherwise (Catalan "l\u00b7", a letter of its own), in NFC, with
+// their elements. (The root's own, Thai and Lao prevowels, Tibetan vowels,
+// "l\u00b7", are read as the root's tables read them.)
 UErrorCode tailored_contractions(const UCollator* collator, collation_data& data,
                                  std::vector<contraction_elements>& out) {
   UErrorCode status = U_ZERO_ERROR;
@@ -626,7 +627,13 @@ UErrorCode tailored_contractions(const UCollator* collator, collation_data& data
   ucol_getContractionsAndExpansions(root.getAlias(), root_set.getAlias(), nullptr, 1, &status);
   ucol_getContractionsAndExpansions(collator, set.getAlias(), nullptr, 1, &status);
   if (U_FAILURE(status)) return status;
-  uset_removeAll(set.getAlias(), root_set.getAlias());
+  const std::unique_ptr<UCollationElements, decltype(&ucol_closeElements)> root_elements(
+      ucol_openElements(root.getAlias(), nullptr, 0, &status), &ucol_closeElements);
+  if (U_FAILURE(status)) return status;
+  std::vector<collation_element> as_root;
+  auto same = [](const collation_element& a, const collation_element& b) {
+    return a.primary == b.primary && a.secondary == b.secondary && a.tertiary == b.tertiary;
+  };
   out.clear();
   const int32_t items = uset_getItemCount(set.getAlias());
   for (int32_t i = 0; i < items; ++i) {
@@ -642,6 +649,15 @@ UErrorCode tailored_contractions(const UCollator* collator, collation_data& data
     contraction.text.assign(buffer.data(), buffer.data() + length);
     collation_elements(data.elements.get(), buffer.data(), length, contraction.elements, status);
     if (U_FAILURE(status)) return status;
+    if (uset_containsString(root_set.getAlias(), buffer.data(), length) != 0) {
+      as_root.clear();
+      collation_elements(root_elements.get(), buffer.data(), length, as_root, status);
+      if (U_FAILURE(status)) return status;
+      if (std::equal(as_root.begin(), as_root.end(), contraction.elements.begin(),
+                     contraction.elements.end(), same)) {
+        continue;
+      }
+    }
     out.push_back(std::move(contraction));
   }
   return status;
