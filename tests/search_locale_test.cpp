@@ -7,6 +7,8 @@
 
 #include <scl/regex/search_pattern.h>
 
+#include "support/search_support.h"
+
 namespace {
 
 namespace re = scl::regex;
@@ -126,6 +128,15 @@ TEST(SearchLocale, ArabicAlefFormsAreOneLetter) {
 TEST(SearchLocale, SlovakSearchRulesReadChAsTwoLetters) {
   EXPECT_TRUE(finds("sk", u"ch", u"CHATA"));
   EXPECT_TRUE(finds("sk", u"c", u"chata"));
+}
+
+// A search in a language honours the time limit, literal and regex.
+TEST(SearchLocale, TheTimeLimitStopsSearchesInALanguage) {
+  const std::u16string text(1 << 16, u'a');
+  EXPECT_TRUE(scl_regex_test::times_out(
+      re::search_pattern(u"aarhus", re::query_syntax::literal, in("da")), text));
+  EXPECT_TRUE(scl_regex_test::times_out(
+      re::search_pattern(u"[\u00e5]rhus", re::query_syntax::regex, in("da")), text));
 }
 
 // Every toggle combines with a locale.

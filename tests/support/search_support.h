@@ -5,6 +5,7 @@
 #define SCL_REGEX_TESTS_SUPPORT_SEARCH_SUPPORT_H
 
 #include <algorithm>
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -16,7 +17,9 @@
 #include <unicode/unorm2.h>
 #include <unicode/utf16.h>
 
+#include <scl/regex/exception.h>
 #include <scl/regex/search_pattern.h>
+#include <scl/regex/time_limit.h>
 
 namespace scl_regex_test {
 
@@ -35,6 +38,18 @@ inline ranges ranges_of(const std::vector<re::source_match>& matches) {
 template <class Text>
 ranges find(const re::search_pattern& pattern, const Text& text) {
   return ranges_of(pattern.find_all(text));
+}
+
+// Whether searching `text` with `pattern` past the thread's deadline (a
+// match_time_limit of zero) throws regex_exception with U_REGEX_TIME_OUT.
+inline bool times_out(const re::search_pattern& pattern, std::u16string_view text) {
+  const re::match_time_limit limit(std::chrono::milliseconds(0));
+  try {
+    static_cast<void>(pattern.find_all(text));
+  } catch (const re::regex_exception& e) {
+    return e.getErrorCodeMnemonic() == "U_REGEX_TIME_OUT" && limit.exceeded();
+  }
+  return false;
 }
 
 // Search options in one call.
