@@ -9,6 +9,8 @@
 #include <vector>
 
 #include <gtest/gtest.h>
+#include <unicode/coll.h>
+#include <unicode/locid.h>
 #include <unicode/ubrk.h>
 #include <unicode/uchar.h>
 #include <unicode/utf16.h>
@@ -38,28 +40,38 @@ bool same_composites(const std::vector<detail::composite_unit>& a,
          });
 }
 
-TEST(FoldTable, BuiltInIsWhatTheRunningIcuGives) {
-  namespace data = detail::fold_table_data;
-  detail::fold_tables_image image;
-  ASSERT_EQ(detail::build_fold_tables(image), U_ZERO_ERROR);
+// Expects the tables computed at build time to be `image`, as the running ICU
+// computes them.
+void expect_built_in(const detail::fold_tables_image& image,
+                     const detail::fold_table_data::collation_tables& data) {
   for (int index = 0; index < detail::fold_variant::count; ++index) {
     SCOPED_TRACE("variant " + std::to_string(index));
-    const detail::fold_table_image& table = image.tables[static_cast<std::size_t>(index)];
-    ASSERT_EQ(table.trie.size(), data::tables[index].trie_size);
-    EXPECT_EQ(std::memcmp(table.trie.data(), data::tables[index].trie, table.trie.size()), 0);
-    EXPECT_EQ(table.pool, std::u16string(data::tables[index].pool, data::tables[index].pool_size));
+    const auto at = static_cast<std::size_t>(index);
+    const detail::fold_table_image& table = image.tables[at];
+    ASSERT_EQ(table.trie.size(), data.tables[at].trie_size);
+    EXPECT_EQ(std::memcmp(table.trie.data(), data.tables[at].trie, table.trie.size()), 0);
+    EXPECT_EQ(table.pool, std::u16string(data.tables[at].pool, data.tables[at].pool_size));
+    const std::u16string contractions = detail::stored_contractions(image.contractions[at]);
+    EXPECT_EQ(contractions, std::u16string(data.contractions[at],
+                                           data.contractions[at] + data.contractions_size[at]));
   }
-  ASSERT_EQ(image.prevowel_pairs.size(), data::prevowel_pair_count);
+  ASSERT_EQ(image.prevowel_pairs.size(), data.prevowel_pair_count);
   for (std::size_t i = 0; i < image.prevowel_pairs.size(); ++i) {
-    EXPECT_EQ(image.prevowel_pairs[i].first, data::prevowel_pairs[i].first);
-    EXPECT_EQ(image.prevowel_pairs[i].second, data::prevowel_pairs[i].second);
+    EXPECT_EQ(image.prevowel_pairs[i].first, data.prevowel_pairs[i].first);
+    EXPECT_EQ(image.prevowel_pairs[i].second, data.prevowel_pairs[i].second);
   }
-  EXPECT_EQ(image.dropped_starts, as_vector(data::dropped_starts, data::dropped_start_count));
-  EXPECT_EQ(image.variable_ends, as_vector(data::variable_ends, data::variable_end_count));
-  EXPECT_TRUE(
-      same_composites(image.composites[0], as_vector(data::composites, data::composite_count)));
-  EXPECT_TRUE(same_composites(image.composites[1],
-                              as_vector(data::case_composites, data::case_composite_count)));
+  EXPECT_EQ(image.dropped_starts, as_vector(data.dropped_starts, data.dropped_start_count));
+  EXPECT_EQ(image.variable_ends, as_vector(data.variable_ends, data.variable_end_count));
+  for (std::size_t c = 0; c < 2; ++c) {
+    EXPECT_TRUE(same_composites(image.composites[c],
+                                as_vector(data.composites[c], data.composite_count[c])));
+  }
+}
+
+TEST(FoldTable, BuiltInIsWhatTheRunningIcuGives) {
+  detail::fold_tables_image image;
+  ASSERT_EQ(detail::build_fold_tables(image), U_ZERO_ERROR);
+  expect_built_in(image, detail::fold_table_data::root);
 
   // Tables loaded from the rebuilt image read the same values.
   const detail::fold_table_lists lists = detail::lists_of(image, 0);
@@ -78,6 +90,66 @@ TEST(FoldTable, BuiltInIsWhatTheRunningIcuGives) {
       ASSERT_EQ(rebuilt.latin(c), built_in.latin(c)) << c;
     }
   }
+}
+
+// The root's search collation, which most languages use, is computed at build
+// time too; a language's own is built at its first use, from the bits of the
+// root's table, and gives the same tables.
+TEST(FoldTable, BuiltInSearchCollationIsWhatTheRunningIcuGives) {
+  namespace data = detail::fold_table_data;
+  UErrorCode status = U_ZERO_ERROR;
+  const std::unique_ptr<icu::Collator> collator(
+      icu::Collator::createInstance(icu::Locale("@collation=search"), status));
+  ASSERT_EQ(status, U_ZERO_ERROR);
+  EXPECT_EQ(collator->getLocale(ULOC_ACTUAL_LOCALE, status).toLanguageTag<std::string>(status),
+            data::search_tag);
+  EXPECT_STREQ(data::search_tag, "und-u-co-search");
+  EXPECT_EQ(&detail::fold_collation::of("cs"), &detail::fold_collation::of("und-u-co-search"));
+  EXPECT_EQ(detail::fold_collation::of("cs").tag(), data::search_tag);
+
+  detail::fold_tables_image image;
+  ASSERT_EQ(detail::build_fold_tables(collator->toUCollator(), image), U_ZERO_ERROR);
+  expect_built_in(image, data::search);
+
+  constexpr std::uint32_t fold_bits =
+      3U << detail::fold_value::kind_shift | detail::fold_value::payload_mask;
+  std::vector<std::uint32_t> bits(0x110000);
+  for (UChar32 c = 0; c < 0x110000; ++c) {
+    bits[static_cast<std::size_t>(c)] = detail::fold_table::get().value(c) & ~fold_bits;
+  }
+  detail::fold_tables_image at_first_use;
+  ASSERT_EQ(detail::build_fold_table(collator->toUCollator(), {}, bits, at_first_use),
+            U_ZERO_ERROR);
+  EXPECT_EQ(at_first_use.tables[0].trie, image.tables[0].trie);
+  EXPECT_EQ(at_first_use.tables[0].pool, image.tables[0].pool);
+
+  // The embedded tables load as the others do, contractions included.
+  const detail::fold_table& loaded = detail::fold_collation::of("cs").table({});
+  const auto loaded_count =
+      static_cast<std::size_t>(loaded.contractions_end() - loaded.contractions_begin());
+  ASSERT_EQ(loaded_count, image.contractions[0].size());
+  for (std::size_t i = 0; i < loaded_count; ++i) {
+    EXPECT_EQ(loaded.contractions_begin()[i].text, image.contractions[0][i].text);
+    EXPECT_EQ(loaded.contractions_begin()[i].fold, image.contractions[0][i].fold);
+  }
+}
+
+TEST(FoldTable, StoredContractionsReadBackAsTheyWere) {
+  const std::vector<detail::contraction_fold> contractions = {
+      {u"aa", u"\u00e5"}, {u"ch", u"\u00e5h"}, {u"l\u00b7", u""}, {u"\U0001F600x", u"x"}};
+  const std::u16string stored = detail::stored_contractions(contractions);
+  EXPECT_EQ(stored.size(), 2 * contractions.size() + 2 + 1 + 2 + 2 + 2 + 0 + 3 + 1);
+  const std::vector<detail::contraction_fold> read =
+      detail::stored_contractions(stored.data(), stored.size());
+  ASSERT_EQ(read.size(), contractions.size());
+  for (std::size_t i = 0; i < read.size(); ++i) {
+    EXPECT_EQ(read[i].text, contractions[i].text);
+    EXPECT_EQ(read[i].fold, contractions[i].fold);
+  }
+  EXPECT_TRUE(detail::stored_contractions(nullptr, 0).empty());
+  // A cut store reads no further than its end.
+  EXPECT_EQ(detail::stored_contractions(stored.data(), 3).size(), 0U);
+  EXPECT_EQ(detail::stored_contractions(stored.data(), 6).size(), 1U);
 }
 
 // The lists the variants share: characters that mix punctuation with other

@@ -68,27 +68,20 @@ fold_table_lists lists_of(const fold_tables_image& image, std::size_t index) {
           image.contractions[index].size()};
 }
 
-fold_collation::fold_collation(key) : tag_("und"), embedded_(built_for_running_icu()) {
-  if (embedded_) {
-    namespace data = fold_table_data;
-    lists_[0] = {data::prevowel_pairs,
-                 data::prevowel_pair_count,
-                 data::dropped_starts,
-                 data::dropped_start_count,
-                 data::variable_ends,
-                 data::variable_end_count,
-                 {data::composites, data::case_composites},
-                 {data::composite_count, data::case_composite_count},
-                 nullptr,
-                 0};
+fold_collation::fold_collation(key) : tag_("und") {
+  if (built_for_running_icu()) {
+    embedded_ = &fold_table_data::root;
   } else {
     throw_if_failed(build_fold_tables(images_[0]));
-    lists_[0] = lists_of(images_[0], 0);
   }
 }
 
 fold_collation::fold_collation(key, std::string tag, std::unique_ptr<icu::Collator> collator)
-    : tag_(std::move(tag)), collator_(std::move(collator)) {}
+    : tag_(std::move(tag)), collator_(std::move(collator)) {
+  if (tag_ == fold_table_data::search_tag && built_for_running_icu()) {
+    embedded_ = &fold_table_data::search;
+  }
+}
 
 fold_collation::~fold_collation() = default;
 
@@ -150,8 +143,8 @@ const search_locale& fold_collation::resolve(std::string_view locale) {
 const fold_table& fold_collation::table(fold_variant variant) const {
   const auto index = static_cast<std::size_t>(variant.index());
   std::call_once(loaded_[index], [&] {
-    if (collator_ == nullptr) {
-      load_root(index);
+    if (embedded_ != nullptr || collator_ == nullptr) {
+      load(index);
     } else {
       build(variant);
     }
@@ -159,17 +152,38 @@ const fold_table& fold_collation::table(fold_variant variant) const {
   return *tables_[index];
 }
 
-void fold_collation::load_root(std::size_t index) const {
-  const fold_tables_image& image = images_[0];
-  const std::uint8_t* trie =
-      embedded_ ? fold_table_data::tables[index].trie : image.tables[index].trie.data();
-  const std::size_t trie_size =
-      embedded_ ? fold_table_data::tables[index].trie_size : image.tables[index].trie.size();
-  const char16_t* pool =
-      embedded_ ? fold_table_data::tables[index].pool : image.tables[index].pool.c_str();
+void fold_collation::load(std::size_t index) const {
+  const std::uint8_t* trie = nullptr;
+  std::size_t trie_size = 0;
+  const char16_t* pool = nullptr;
+  if (embedded_ != nullptr) {
+    const fold_table_data::collation_tables& data = *embedded_;
+    trie = data.tables[index].trie;
+    trie_size = data.tables[index].trie_size;
+    pool = data.tables[index].pool;
+    std::vector<contraction_fold>& contractions = images_[index].contractions[index];
+    contractions = stored_contractions(data.contractions[index], data.contractions_size[index]);
+    lists_[index] = {data.prevowel_pairs,
+                     data.prevowel_pair_count,
+                     data.dropped_starts,
+                     data.dropped_start_count,
+                     data.variable_ends,
+                     data.variable_end_count,
+                     {data.composites[0], data.composites[1]},
+                     {data.composite_count[0], data.composite_count[1]},
+                     contractions.data(),
+                     contractions.size()};
+  } else {
+    // The root's tables, computed when the collation was made.
+    const fold_table_image& image = images_[0].tables[index];
+    trie = image.trie.data();
+    trie_size = image.trie.size();
+    pool = image.pool.c_str();
+    lists_[index] = lists_of(images_[0], index);
+  }
   UErrorCode status = U_ZERO_ERROR;
   auto table = std::make_unique<fold_table>(*this, fold_variant::at(static_cast<int>(index)), trie,
-                                            trie_size, pool, lists_[0], status);
+                                            trie_size, pool, lists_[index], status);
   throw_if_failed(status);
   tables_[index] = std::move(table);
 }

@@ -1,7 +1,8 @@
 // The collations search folds by, each with its fold tables: the root
-// collator, whose tables are computed at build time, and a language's search
-// rules ("sv" reads the collation sv-u-co-search), whose tables are built
-// from ICU's collator at their first use. All are kept for the life of the
+// collator and the root's search collation (und-u-co-search, which most
+// languages use), whose tables are computed at build time, and a language's
+// own search rules ("sv" reads the collation sv-u-co-search), whose tables
+// are built from ICU's collator at their first use. All are kept for the life of the
 // process, read-only and shared by all threads.
 #ifndef SCL_REGEX_SRC_SEARCH_FOLD_COLLATION_H
 #define SCL_REGEX_SRC_SEARCH_FOLD_COLLATION_H
@@ -17,6 +18,7 @@
 
 #include "search/fold_table.h"
 #include "search/fold_table_build.h"
+#include "search/fold_table_data.h"
 #include "search/fold_variant.h"
 
 namespace scl::regex::detail {
@@ -63,13 +65,14 @@ class fold_collation {
   ~fold_collation();
 
  private:
-  void load_root(std::size_t index) const;
+  void load(std::size_t index) const;
   void build(fold_variant variant) const;
 
   std::string tag_;
   std::unique_ptr<icu::Collator> collator_;  // a tailored collation's
-  bool embedded_ = false;                    // the root's tables computed at build time
-  // The root's lists, or each tailored table's.
+  // The tables computed at build time: the root's, and the root's search collation's.
+  const fold_table_data::collation_tables* embedded_ = nullptr;
+  // Each table's lists.
   mutable std::array<fold_table_lists, fold_variant::count> lists_{};
   mutable std::array<fold_tables_image, fold_variant::count> images_;
   mutable std::array<std::once_flag, fold_variant::count> loaded_;

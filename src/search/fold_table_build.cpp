@@ -695,35 +695,97 @@ UErrorCode build_fold_tables(fold_tables_image& image) {
   return status;
 }
 
+namespace {
+
+// What every table of a tailored collator is made from.
+struct tailored_data {
+  collation_data data;
+  std::vector<std::uint32_t> bits;
+  std::vector<contraction_elements> contractions;
+
+  // Reads `collator` and fills the image's lists; `bits` are the root's.
+  UErrorCode read(const UCollator* collator, std::vector<std::uint32_t> root_bits,
+                  fold_tables_image& image) {
+    if (root_bits.size() != static_cast<std::size_t>(kCodePoints)) {
+      return U_ILLEGAL_ARGUMENT_ERROR;
+    }
+    bits = std::move(root_bits);
+    UErrorCode status = data.read(collator, image);
+    if (U_FAILURE(status)) return status;
+    for (std::uint32_t& value : bits) value &= ~fold_value::prevowel_bit;
+    for (const code_point_pair& pair : image.prevowel_pairs) {
+      bits[static_cast<std::size_t>(pair.first)] |= fold_value::prevowel_bit;
+    }
+    return tailored_contractions(collator, data, contractions);
+  }
+
+  UErrorCode build(fold_variant variant, fold_tables_image& image) const {
+    const auto index = static_cast<std::size_t>(variant.index());
+    const representatives& primary = data.primary(variant.case_level);
+    std::vector<composite_unit>* composites =
+        variant.accents ? &image.composites[variant.case_level ? 1 : 0] : nullptr;
+    if (composites != nullptr && variant.shifted) {
+      // The composite units are those of the table without "shifted".
+      const fold_variant unshifted{variant.accents, variant.case_level, false};
+      const UErrorCode status =
+          build_variant(data.table, element_reader(unshifted, data.variable_top), bits, nullptr,
+                        &primary, composites);
+      if (U_FAILURE(status)) return status;
+      composites = nullptr;
+    }
+    return build_variant(data.table, element_reader(variant, data.variable_top), bits,
+                         &image.tables[index], &primary, composites, contractions,
+                         &image.contractions[index]);
+  }
+};
+
+}  // namespace
+
 UErrorCode build_fold_table(const UCollator* collator, fold_variant variant,
                             std::vector<std::uint32_t> bits, fold_tables_image& image) {
-  if (bits.size() != static_cast<std::size_t>(kCodePoints)) return U_ILLEGAL_ARGUMENT_ERROR;
-  collation_data data;
-  UErrorCode status = data.read(collator, image);
-  if (U_FAILURE(status)) return status;
-  for (std::uint32_t& value : bits) value &= ~fold_value::prevowel_bit;
-  for (const code_point_pair& pair : image.prevowel_pairs) {
-    bits[static_cast<std::size_t>(pair.first)] |= fold_value::prevowel_bit;
-  }
-  std::vector<contraction_elements> contractions;
-  status = tailored_contractions(collator, data, contractions);
-  if (U_FAILURE(status)) return status;
+  tailored_data tailored;
+  const UErrorCode status = tailored.read(collator, std::move(bits), image);
+  return U_FAILURE(status) ? status : tailored.build(variant, image);
+}
 
-  const auto index = static_cast<std::size_t>(variant.index());
-  const representatives& primary = data.primary(variant.case_level);
-  std::vector<composite_unit>* composites =
-      variant.accents ? &image.composites[variant.case_level ? 1 : 0] : nullptr;
-  if (composites != nullptr && variant.shifted) {
-    // The composite units are those of the table without "shifted".
-    const fold_variant unshifted{variant.accents, variant.case_level, false};
-    status = build_variant(data.table, element_reader(unshifted, data.variable_top), bits, nullptr,
-                           &primary, composites);
-    if (U_FAILURE(status)) return status;
-    composites = nullptr;
+UErrorCode build_fold_tables(const UCollator* collator, fold_tables_image& image) {
+  std::vector<std::uint32_t> bits;
+  UErrorCode status = character_bits({}, bits);
+  if (U_FAILURE(status)) return status;
+  tailored_data tailored;
+  status = tailored.read(collator, std::move(bits), image);
+  for (int index = 0; index < fold_variant::count && U_SUCCESS(status); ++index) {
+    status = tailored.build(fold_variant::at(index), image);
   }
-  return build_variant(data.table, element_reader(variant, data.variable_top), bits,
-                       &image.tables[index], &primary, composites, contractions,
-                       &image.contractions[index]);
+  return status;
+}
+
+std::u16string stored_contractions(const std::vector<contraction_fold>& contractions) {
+  std::u16string stored;
+  for (const contraction_fold& contraction : contractions) {
+    for (const std::u16string* text : {&contraction.text, &contraction.fold}) {
+      stored += static_cast<char16_t>(text->size());
+      stored += *text;
+    }
+  }
+  return stored;
+}
+
+std::vector<contraction_fold> stored_contractions(const char16_t* data, std::size_t size) {
+  std::vector<contraction_fold> contractions;
+  std::size_t at = 0;
+  // Reads the next text into `text`; false if the store ends before it does.
+  auto next_text = [&](std::u16string& text) {
+    if (at >= size || data[at] > size - at - 1) return false;
+    text.assign(data + at + 1, data + at + 1 + data[at]);
+    at += 1 + data[at];
+    return true;
+  };
+  contraction_fold contraction;
+  while (next_text(contraction.text) && next_text(contraction.fold)) {
+    contractions.push_back(contraction);
+  }
+  return contractions;
 }
 
 }  // namespace scl::regex::detail

@@ -55,6 +55,15 @@ UErrorCode build_fold_tables(fold_tables_image& image);
 UErrorCode build_fold_table(const UCollator* collator, fold_variant variant,
                             std::vector<std::uint32_t> bits, fold_tables_image& image);
 
+// Builds every variant's table of `collator`, a tailored collator, as
+// build_fold_table does, with the character bits computed here.
+UErrorCode build_fold_tables(const UCollator* collator, fold_tables_image& image);
+
+// Contractions as the tables computed at build time store them, one after the
+// other: the length of the text, the text, the length of the fold, the fold.
+std::u16string stored_contractions(const std::vector<contraction_fold>& contractions);
+std::vector<contraction_fold> stored_contractions(const char16_t* data, std::size_t size);
+
 }  // namespace scl::regex::detail
 
 #endif  // SCL_REGEX_SRC_SEARCH_FOLD_TABLE_BUILD_H

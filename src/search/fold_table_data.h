@@ -21,18 +21,29 @@ struct table {
   const char16_t* pool;
   std::size_t pool_size;
 };
-extern const table tables[fold_variant::count];  // by fold_variant::index()
 
-extern const code_point_pair prevowel_pairs[];
-extern const std::size_t prevowel_pair_count;
-extern const char32_t dropped_starts[];
-extern const std::size_t dropped_start_count;
-extern const char32_t variable_ends[];
-extern const std::size_t variable_end_count;
-extern const composite_unit composites[];  // the accent tables without case
-extern const std::size_t composite_count;
-extern const composite_unit case_composites[];  // with case
-extern const std::size_t case_composite_count;
+// A collation's tables and lists.
+struct collation_tables {
+  table tables[fold_variant::count];  // by fold_variant::index()
+  const code_point_pair* prevowel_pairs;
+  std::size_t prevowel_pair_count;
+  const char32_t* dropped_starts;
+  std::size_t dropped_start_count;
+  const char32_t* variable_ends;
+  std::size_t variable_end_count;
+  const composite_unit* composites[2];  // the accent tables' without case, with case
+  std::size_t composite_count[2];
+  // Each table's contractions, sorted by text, one after the other: the
+  // length of the text, the text, the length of the fold, the fold.
+  const char16_t* contractions[fold_variant::count];
+  std::size_t contractions_size[fold_variant::count];
+};
+
+// The root collator's.
+extern const collation_tables root;
+// The root's search collation ("und-u-co-search"), which most languages use.
+extern const char search_tag[];
+extern const collation_tables search;
 
 }  // namespace scl::regex::detail::fold_table_data
 
