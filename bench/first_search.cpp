@@ -19,6 +19,10 @@
 //                                           Danish text (what a language's tables cost)
 //   scl_regex_first_search usearch-danish   ucol_open("da@collation=search"), primary
 //                                           strength, usearch_openFromCollator, usearch_first
+//   scl_regex_first_search arabic           the same with locale "ar", whose collation is the
+//                                           root's search collation: "\u0627\u062d\u0645\u062f"
+//                                           finds "\u0623\u062d\u0645\u062f"
+//   scl_regex_first_search usearch-arabic   the same with ucol_open("ar@collation=search")
 //
 // Prints one line, e.g. "fold ms=0.183 rss_kib=412 first=26,30": the time from
 // before the pattern (or the collator) is made to after the first result
@@ -55,6 +59,20 @@ const std::u16string kCapitalQuery = u"Lodz";
 // "Vi bor i Aarhus, ikke i \u00c5lborg.": Danish, where "aa" is "\u00e5".
 const std::u16string kDanishText = u"Vi bor i Aarhus, ikke i \u00c5lborg.";
 const std::u16string kDanishQuery = u"aarhus";
+// "He said that Ahmad will come.": alef with hamza is alef in Arabic search.
+const std::u16string kArabicText =
+    u"\u0642\u0627\u0644 \u0625\u0646 \u0623\u062d\u0645\u062f \u0633\u064a\u0623\u062a\u064a.";
+const std::u16string kArabicQuery = u"\u0627\u062d\u0645\u062f";
+
+// A language's first search: its locale, the collator usearch opens, the text and the query.
+struct language {
+  const char* locale;
+  const char* collator;
+  const std::u16string& text;
+  const std::u16string& query;
+};
+const language kDanish{"da", "da@collation=search", kDanishText, kDanishQuery};
+const language kArabic{"ar", "ar@collation=search", kArabicText, kArabicQuery};
 
 // The process's resident memory in KiB, or -1 if /proc cannot be read.
 long resident_kib() {
@@ -100,25 +118,25 @@ range first_with_every_option_set() {
   return first;
 }
 
-scl::regex::search_options danish() {
+range first_in(const language& in) {
   scl::regex::search_options options;
-  options.locale = "da";
-  return options;
+  options.locale = in.locale;
+  return first_with_fold(options, in.query, in.text);
 }
 
 // usearch's first search: the root collator at primary strength, or set up
-// as every toggle says (options), or Danish's search collation.
-range first_with_usearch(bool options, bool in_danish = false) {
+// as every toggle says (options), or a language's search collation.
+range first_with_usearch(bool options, const language* in = nullptr) {
   UErrorCode status = U_ZERO_ERROR;
-  UCollator* collator = ucol_open(in_danish ? "da@collation=search" : "", &status);
+  UCollator* collator = ucol_open(in != nullptr ? in->collator : "", &status);
   ucol_setStrength(collator, options ? UCOL_SECONDARY : UCOL_PRIMARY);
   UBreakIterator* words = nullptr;
   if (options) {
     ucol_setAttribute(collator, UCOL_ALTERNATE_HANDLING, UCOL_SHIFTED, &status);
     words = ubrk_open(UBRK_WORD, "", kText.data(), static_cast<int32_t>(kText.size()), &status);
   }
-  const std::u16string& query = in_danish ? kDanishQuery : options ? kCapitalQuery : kQuery;
-  const std::u16string& text = in_danish ? kDanishText : kText;
+  const std::u16string& query = in != nullptr ? in->query : options ? kCapitalQuery : kQuery;
+  const std::u16string& text = in != nullptr ? in->text : kText;
   UStringSearch* search =
       usearch_openFromCollator(query.data(), static_cast<int32_t>(query.size()), text.data(),
                                static_cast<int32_t>(text.size()), collator, words, &status);
@@ -146,18 +164,21 @@ range first_with_usearch(bool options, bool in_danish = false) {
 
 int main(int argc, char** argv) {
   const std::string mode = argc == 2 ? argv[1] : "";
-  static const char* const modes[] = {"fold",        "usearch", "options",       "usearch-options",
-                                      "all-options", "danish",  "usearch-danish"};
+  static const char* const modes[] = {
+      "fold",   "usearch",        "options", "usearch-options", "all-options",
+      "danish", "usearch-danish", "arabic",  "usearch-arabic"};
   if (std::find(std::begin(modes), std::end(modes), mode) == std::end(modes)) {
     std::fprintf(stderr,
                  "usage: %s fold|usearch|options|usearch-options|all-options|danish|"
-                 "usearch-danish\n",
+                 "usearch-danish|arabic|usearch-arabic\n",
                  argv[0]);
     return 2;
   }
   using clock = std::chrono::steady_clock;
   (void)clock::now();  // the clock's own first use is not the search's
-  if (mode == "all-options" || mode == "danish") (void)first_with_fold({}, kQuery);
+  if (mode == "all-options" || mode == "danish" || mode == "arabic") {
+    (void)first_with_fold({}, kQuery);
+  }
   const long before = resident_kib();
   const clock::time_point start = clock::now();
   range first;
@@ -165,8 +186,10 @@ int main(int argc, char** argv) {
   if (mode == "options") first = first_with_fold(every_toggle(), kCapitalQuery);
   if (mode == "all-options") first = first_with_every_option_set();
   if (mode == "usearch" || mode == "usearch-options") first = first_with_usearch(mode != "usearch");
-  if (mode == "danish") first = first_with_fold(danish(), kDanishQuery, kDanishText);
-  if (mode == "usearch-danish") first = first_with_usearch(false, true);
+  if (mode == "danish") first = first_in(kDanish);
+  if (mode == "usearch-danish") first = first_with_usearch(false, &kDanish);
+  if (mode == "arabic") first = first_in(kArabic);
+  if (mode == "usearch-arabic") first = first_with_usearch(false, &kArabic);
   const clock::time_point end = clock::now();
   const long after = resident_kib();
 

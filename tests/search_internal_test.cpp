@@ -16,6 +16,7 @@
 #include <unicode/utf16.h>
 #include <unicode/utf8.h>
 
+#include "search/collation_tag.h"
 #include "search/fold_collation.h"
 #include "search/fold_table.h"
 #include "search/fold_table_build.h"
@@ -150,6 +151,40 @@ TEST(FoldTable, StoredContractionsReadBackAsTheyWere) {
   // A cut store reads no further than its end.
   EXPECT_EQ(detail::stored_contractions(stored.data(), 3).size(), 0U);
   EXPECT_EQ(detail::stored_contractions(stored.data(), 6).size(), 1U);
+}
+
+// The tag of each collation ICU has is what Locale::toLanguageTag writes.
+TEST(CollationTag, IsIcusLanguageTag) {
+  int32_t count = 0;
+  const icu::Locale* locales = icu::Collator::getAvailableLocales(count);
+  std::vector<icu::Locale> all(locales, locales + count);
+  all.emplace_back("");
+  all.emplace_back("en_US_POSIX");
+  all.emplace_back("de__1996");
+  std::size_t tagged = 0;
+  for (const icu::Locale& locale : all) {
+    UErrorCode status = U_ZERO_ERROR;
+    const std::unique_ptr<icu::StringEnumeration> types(
+        icu::Collator::getKeywordValuesForLocale("collation", locale, false, status));
+    ASSERT_FALSE(U_FAILURE(status)) << locale.getName();
+    std::vector<std::string> names = {""};
+    while (const char* type = types->next(nullptr, status)) names.emplace_back(type);
+    for (const std::string& type : names) {
+      icu::Locale with_type(locale);
+      if (!type.empty()) with_type.setKeywordValue("collation", type.c_str(), status);
+      const std::string expected = with_type.toLanguageTag<std::string>(status);
+      ASSERT_FALSE(U_FAILURE(status)) << with_type.getName();
+      EXPECT_EQ(detail::collation_tag(with_type, status), expected) << with_type.getName();
+      EXPECT_FALSE(U_FAILURE(status));
+      ++tagged;
+    }
+  }
+  EXPECT_GT(tagged, 300U);
+  UErrorCode status = U_ZERO_ERROR;
+  EXPECT_EQ(detail::collation_tag(icu::Locale("de@collation=phonebook"), status),
+            "de-u-co-phonebk");
+  EXPECT_EQ(detail::collation_tag(icu::Locale("@collation=search"), status), "und-u-co-search");
+  EXPECT_EQ(detail::collation_tag(icu::Locale(""), status), "und");
 }
 
 // The lists the variants share: characters that mix punctuation with other

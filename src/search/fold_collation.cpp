@@ -11,6 +11,7 @@
 #include <unicode/uversion.h>
 
 #include "scl/regex/exception.h"
+#include "search/collation_tag.h"
 #include "search/fold_table_data.h"
 
 namespace scl::regex::detail {
@@ -121,8 +122,7 @@ const search_locale& fold_collation::resolve(std::string_view locale) {
     std::unique_ptr<icu::Collator> collator(icu::Collator::createInstance(with_collation, status));
     throw_if_failed(status);
     if (collator == nullptr) throw std::bad_alloc();
-    const std::string tag =
-        collator->getLocale(ULOC_ACTUAL_LOCALE, status).toLanguageTag<std::string>(status);
+    const std::string tag = collation_tag(collator->getLocale(ULOC_ACTUAL_LOCALE, status), status);
     throw_if_failed(status);
 
     const fold_collation* resolved = &root();

@@ -13,6 +13,7 @@
 #include <unicode/uchar.h>
 #include <unicode/uversion.h>
 
+#include "search/collation_tag.h"
 #include "search/fold_table_build.h"
 
 namespace {
@@ -120,7 +121,7 @@ int main(int argc, char** argv) {
       icu::Collator::createInstance(search_locale, status));
   if (failed(status)) return 1;
   const std::string search_tag =
-      collator->getLocale(ULOC_ACTUAL_LOCALE, status).toLanguageTag<std::string>(status);
+      scl::regex::detail::collation_tag(collator->getLocale(ULOC_ACTUAL_LOCALE, status), status);
   scl::regex::detail::fold_tables_image search;
   if (failed(status) ||
       failed(scl::regex::detail::build_fold_tables(collator->toUCollator(), search))) {
