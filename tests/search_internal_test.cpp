@@ -2,6 +2,7 @@
 // one built from the running ICU, and grapheme boundaries against ICU's
 // character break iterator.
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 #include <memory>
 #include <random>
@@ -41,6 +42,27 @@ bool same_composites(const std::vector<detail::composite_unit>& a,
          });
 }
 
+// Expects the lists computed at build time to be those of `image`.
+void expect_lists(const detail::fold_tables_image& image,
+                  const detail::fold_table_data::collation_lists& lists) {
+  ASSERT_EQ(image.prevowel_pairs.size(), lists.prevowel_pair_count);
+  for (std::size_t i = 0; i < image.prevowel_pairs.size(); ++i) {
+    EXPECT_EQ(image.prevowel_pairs[i].first, lists.prevowel_pairs[i].first);
+    EXPECT_EQ(image.prevowel_pairs[i].second, lists.prevowel_pairs[i].second);
+  }
+  EXPECT_EQ(image.dropped_starts, as_vector(lists.dropped_starts, lists.dropped_start_count));
+  EXPECT_EQ(image.variable_ends, as_vector(lists.variable_ends, lists.variable_end_count));
+  for (std::size_t c = 0; c < 2; ++c) {
+    EXPECT_TRUE(same_composites(image.composites[c],
+                                as_vector(lists.composites[c], lists.composite_count[c])));
+  }
+  for (std::size_t t = 0; t < image.contractions.size(); ++t) {
+    EXPECT_EQ(
+        detail::stored_contractions(image.contractions[t]),
+        std::u16string(lists.contractions[t], lists.contractions[t] + lists.contractions_size[t]));
+  }
+}
+
 // Expects the tables computed at build time to be `image`, as the running ICU
 // computes them.
 void expect_built_in(const detail::fold_tables_image& image,
@@ -52,21 +74,8 @@ void expect_built_in(const detail::fold_tables_image& image,
     ASSERT_EQ(table.trie.size(), data.tables[at].trie_size);
     EXPECT_EQ(std::memcmp(table.trie.data(), data.tables[at].trie, table.trie.size()), 0);
     EXPECT_EQ(table.pool, std::u16string(data.tables[at].pool, data.tables[at].pool_size));
-    const std::u16string contractions = detail::stored_contractions(image.contractions[at]);
-    EXPECT_EQ(contractions, std::u16string(data.contractions[at],
-                                           data.contractions[at] + data.contractions_size[at]));
   }
-  ASSERT_EQ(image.prevowel_pairs.size(), data.prevowel_pair_count);
-  for (std::size_t i = 0; i < image.prevowel_pairs.size(); ++i) {
-    EXPECT_EQ(image.prevowel_pairs[i].first, data.prevowel_pairs[i].first);
-    EXPECT_EQ(image.prevowel_pairs[i].second, data.prevowel_pairs[i].second);
-  }
-  EXPECT_EQ(image.dropped_starts, as_vector(data.dropped_starts, data.dropped_start_count));
-  EXPECT_EQ(image.variable_ends, as_vector(data.variable_ends, data.variable_end_count));
-  for (std::size_t c = 0; c < 2; ++c) {
-    EXPECT_TRUE(same_composites(image.composites[c],
-                                as_vector(data.composites[c], data.composite_count[c])));
-  }
+  expect_lists(image, data.lists);
 }
 
 TEST(FoldTable, BuiltInIsWhatTheRunningIcuGives) {
@@ -133,6 +142,99 @@ TEST(FoldTable, BuiltInSearchCollationIsWhatTheRunningIcuGives) {
     EXPECT_EQ(loaded.contractions_begin()[i].text, image.contractions[0][i].text);
     EXPECT_EQ(loaded.contractions_begin()[i].fold, image.contractions[0][i].fold);
   }
+}
+
+// Expects `a` and `b` to fold every code point alike, with the same bits.
+void expect_same_folds(const detail::fold_table& a, const detail::fold_table& b) {
+  constexpr std::uint32_t fold_bits =
+      3U << detail::fold_value::kind_shift | detail::fold_value::payload_mask;
+  for (UChar32 c = 0; c < 0x110000; ++c) {
+    const std::uint32_t x = a.value(c);
+    const std::uint32_t y = b.value(c);
+    ASSERT_EQ(x & ~fold_bits, y & ~fold_bits) << c;
+    ASSERT_EQ(detail::fold_value::kind(x), detail::fold_value::kind(y)) << c;
+    if (detail::fold_value::kind(x) == detail::fold_kind::pool) {
+      ASSERT_EQ(a.pool_fold(x), b.pool_fold(y)) << c;
+      ASSERT_EQ(a.starts_contractions(x), b.starts_contractions(y)) << c;
+    } else {
+      ASSERT_EQ(x & fold_bits, y & fold_bits) << c;
+    }
+  }
+}
+
+// The languages' own search collations are computed at build time as changes
+// to the root's search collation: each loads as the table that the running
+// ICU's collator gives when built at first use.
+class LanguageTable : public testing::TestWithParam<const char*> {};
+
+TEST_P(LanguageTable, IsWhatTheRunningIcuBuilds) {
+  namespace data = detail::fold_table_data;
+  const detail::fold_collation& collation = detail::fold_collation::of(GetParam());
+  const std::string& tag = collation.tag();
+  const data::language_collation* end = data::languages + data::language_count;
+  const data::language_collation* stored = std::find_if(
+      data::languages, end, [&](const data::language_collation& l) { return l.tag == tag; });
+  ASSERT_NE(stored, end) << tag;
+
+  UErrorCode status = U_ZERO_ERROR;
+  const std::unique_ptr<icu::Collator> collator(
+      icu::Collator::createInstance(icu::Locale::forLanguageTag(tag, status), status));
+  ASSERT_FALSE(U_FAILURE(status));
+  constexpr std::uint32_t fold_bits =
+      3U << detail::fold_value::kind_shift | detail::fold_value::payload_mask;
+  std::vector<std::uint32_t> bits(0x110000);
+  for (UChar32 c = 0; c < 0x110000; ++c) {
+    bits[static_cast<std::size_t>(c)] = detail::fold_table::get().value(c) & ~fold_bits;
+  }
+  // The default variant, and the one with every toggle.
+  for (const detail::fold_variant variant :
+       {detail::fold_variant{}, detail::fold_variant{true, true, true}}) {
+    SCOPED_TRACE("variant " + std::to_string(variant.index()));
+    const auto index = static_cast<std::size_t>(variant.index());
+    detail::fold_tables_image image;
+    ASSERT_EQ(detail::build_fold_table(collator->toUCollator(), variant, bits, image),
+              U_ZERO_ERROR);
+    const detail::fold_table_lists lists = detail::lists_of(image, index);
+    const detail::fold_table built(collation, variant, image.tables[index].trie.data(),
+                                   image.tables[index].trie.size(),
+                                   image.tables[index].pool.c_str(), lists, status);
+    ASSERT_EQ(status, U_ZERO_ERROR);
+    expect_same_folds(built, collation.table(variant));
+    EXPECT_EQ(detail::stored_contractions(image.contractions[index]),
+              std::u16string(stored->changes->lists.contractions[index],
+                             stored->changes->lists.contractions[index] +
+                                 stored->changes->lists.contractions_size[index]));
+    if (variant.accents) {
+      const std::size_t c = variant.case_level ? 1 : 0;
+      EXPECT_TRUE(same_composites(image.composites[c],
+                                  as_vector(stored->changes->lists.composites[c],
+                                            stored->changes->lists.composite_count[c])));
+    }
+    EXPECT_EQ(image.dropped_starts, as_vector(stored->changes->lists.dropped_starts,
+                                              stored->changes->lists.dropped_start_count));
+    EXPECT_EQ(image.variable_ends, as_vector(stored->changes->lists.variable_ends,
+                                             stored->changes->lists.variable_end_count));
+    ASSERT_EQ(image.prevowel_pairs.size(), stored->changes->lists.prevowel_pair_count);
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Languages, LanguageTable,
+                         testing::Values("da", "sv", "tr", "sk", "ca", "de", "ko"));
+
+TEST(FoldTable, KnowsEveryLanguagesSearchCollationByTag) {
+  namespace data = detail::fold_table_data;
+  ASSERT_GE(data::language_count, 15U);
+  for (std::size_t i = 0; i < data::language_count; ++i) {
+    const std::string tag = data::languages[i].tag;
+    SCOPED_TRACE(tag);
+    if (i != 0) {
+      EXPECT_LT(std::string(data::languages[i - 1].tag), tag);
+    }
+    EXPECT_NE(tag.find("-u-co-search"), std::string::npos);
+    EXPECT_EQ(detail::fold_collation::of(tag).tag(), tag);
+  }
+  EXPECT_EQ(detail::fold_collation::of("nb").tag(), "no-u-co-search");
+  EXPECT_EQ(detail::fold_collation::of("bs").tag(), "bs-u-co-search");
 }
 
 TEST(FoldTable, StoredContractionsReadBackAsTheyWere) {

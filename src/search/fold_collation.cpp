@@ -1,5 +1,6 @@
 #include "search/fold_collation.h"
 
+#include <algorithm>
 #include <cstring>
 #include <map>
 #include <utility>
@@ -12,6 +13,7 @@
 
 #include "scl/regex/exception.h"
 #include "search/collation_tag.h"
+#include "search/fold_table_changes.h"
 #include "search/fold_table_data.h"
 
 namespace scl::regex::detail {
@@ -79,9 +81,19 @@ fold_collation::fold_collation(key) : tag_("und") {
 
 fold_collation::fold_collation(key, std::string tag, std::unique_ptr<icu::Collator> collator)
     : tag_(std::move(tag)), collator_(std::move(collator)) {
-  if (tag_ == fold_table_data::search_tag && built_for_running_icu()) {
+  if (!built_for_running_icu()) return;
+  if (tag_ == fold_table_data::search_tag) {
     embedded_ = &fold_table_data::search;
+    return;
   }
+  namespace data = fold_table_data;
+  const data::language_collation* end = data::languages + data::language_count;
+  const data::language_collation* found =
+      std::lower_bound(data::languages, end, tag_,
+                       [](const data::language_collation& language, const std::string& tag) {
+                         return language.tag < tag;
+                       });
+  if (found != end && found->tag == tag_) changes_ = found->changes;
 }
 
 fold_collation::~fold_collation() = default;
@@ -143,7 +155,7 @@ const search_locale& fold_collation::resolve(std::string_view locale) {
 const fold_table& fold_collation::table(fold_variant variant) const {
   const auto index = static_cast<std::size_t>(variant.index());
   std::call_once(loaded_[index], [&] {
-    if (embedded_ != nullptr || collator_ == nullptr) {
+    if (embedded_ != nullptr || changes_ != nullptr || collator_ == nullptr) {
       load(index);
     } else {
       build(variant);
@@ -153,37 +165,63 @@ const fold_table& fold_collation::table(fold_variant variant) const {
 }
 
 void fold_collation::load(std::size_t index) const {
+  namespace data = fold_table_data;
+  fold_tables_image& image = images_[index];
   const std::uint8_t* trie = nullptr;
   std::size_t trie_size = 0;
+  const std::uint8_t* bmp_trie = nullptr;  // the values of U+0000..U+FFFF, if not in `trie`
+  std::size_t bmp_trie_size = 0;
   const char16_t* pool = nullptr;
+  const data::collation_lists* lists = nullptr;
   if (embedded_ != nullptr) {
-    const fold_table_data::collation_tables& data = *embedded_;
-    trie = data.tables[index].trie;
-    trie_size = data.tables[index].trie_size;
-    pool = data.tables[index].pool;
-    std::vector<contraction_fold>& contractions = images_[index].contractions[index];
-    contractions = stored_contractions(data.contractions[index], data.contractions_size[index]);
-    lists_[index] = {data.prevowel_pairs,
-                     data.prevowel_pair_count,
-                     data.dropped_starts,
-                     data.dropped_start_count,
-                     data.variable_ends,
-                     data.variable_end_count,
-                     {data.composites[0], data.composites[1]},
-                     {data.composite_count[0], data.composite_count[1]},
-                     contractions.data(),
-                     contractions.size()};
+    trie = embedded_->tables[index].trie;
+    trie_size = embedded_->tables[index].trie_size;
+    pool = embedded_->tables[index].pool;
+    lists = &embedded_->lists;
+  } else if (changes_ != nullptr) {
+    // The root's search collation's table, changed.
+    const data::table& base = data::search.tables[index];
+    const data::table_changes& changes = changes_->tables[index];
+    fold_table_image& table = image.tables[index];
+    throw_if_failed(apply_changes(base.trie, base.trie_size, base.pool, base.pool_size,
+                                  changes.changes, changes.change_count, changes.pool,
+                                  changes.pool_size, table));
+    trie = table.trie.data();
+    trie_size = table.trie.size();
+    if (table.bmp_only) {
+      bmp_trie = trie;
+      bmp_trie_size = trie_size;
+      trie = base.trie;
+      trie_size = base.trie_size;
+    }
+    pool = table.pool.c_str();
+    lists = &changes_->lists;
   } else {
     // The root's tables, computed when the collation was made.
-    const fold_table_image& image = images_[0].tables[index];
-    trie = image.trie.data();
-    trie_size = image.trie.size();
-    pool = image.pool.c_str();
+    const fold_table_image& table = images_[0].tables[index];
+    trie = table.trie.data();
+    trie_size = table.trie.size();
+    pool = table.pool.c_str();
     lists_[index] = lists_of(images_[0], index);
   }
+  if (lists != nullptr) {
+    std::vector<contraction_fold>& contractions = image.contractions[index];
+    contractions = stored_contractions(lists->contractions[index], lists->contractions_size[index]);
+    lists_[index] = {lists->prevowel_pairs,
+                     lists->prevowel_pair_count,
+                     lists->dropped_starts,
+                     lists->dropped_start_count,
+                     lists->variable_ends,
+                     lists->variable_end_count,
+                     {lists->composites[0], lists->composites[1]},
+                     {lists->composite_count[0], lists->composite_count[1]},
+                     contractions.data(),
+                     contractions.size()};
+  }
   UErrorCode status = U_ZERO_ERROR;
-  auto table = std::make_unique<fold_table>(*this, fold_variant::at(static_cast<int>(index)), trie,
-                                            trie_size, pool, lists_[index], status);
+  auto table =
+      std::make_unique<fold_table>(*this, fold_variant::at(static_cast<int>(index)), trie,
+                                   trie_size, bmp_trie, bmp_trie_size, pool, lists_[index], status);
   throw_if_failed(status);
   tables_[index] = std::move(table);
 }

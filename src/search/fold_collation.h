@@ -1,8 +1,10 @@
 // The collations search folds by, each with its fold tables: the root
-// collator and the root's search collation (und-u-co-search, which most
-// languages use), whose tables are computed at build time, and a language's
-// own search rules ("sv" reads the collation sv-u-co-search), whose tables
-// are built from ICU's collator at their first use. All are kept for the life of the
+// collator, the root's search collation (und-u-co-search, which most
+// languages use) and the languages' own search collations ("sv" reads
+// sv-u-co-search), whose tables are computed at build time (a language's as
+// changes to the root's search collation, applied at its first use), and any
+// other collation a tag names ("de-u-co-phonebk"), whose tables are built
+// from ICU's collator at their first use. All are kept for the life of the
 // process, read-only and shared by all threads.
 #ifndef SCL_REGEX_SRC_SEARCH_FOLD_COLLATION_H
 #define SCL_REGEX_SRC_SEARCH_FOLD_COLLATION_H
@@ -72,6 +74,9 @@ class fold_collation {
   std::unique_ptr<icu::Collator> collator_;  // a tailored collation's
   // The tables computed at build time: the root's, and the root's search collation's.
   const fold_table_data::collation_tables* embedded_ = nullptr;
+  // A language's search collation ICU has, computed at build time as changes
+  // to the root's search collation.
+  const fold_table_data::collation_changes* changes_ = nullptr;
   // Each table's lists.
   mutable std::array<fold_table_lists, fold_variant::count> lists_{};
   mutable std::array<fold_tables_image, fold_variant::count> images_;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
 #include <cstring>
 #include <mutex>
 #include <utility>
@@ -24,12 +25,20 @@ const fold_table& fold_table::sibling(fold_variant variant) const {
 }
 
 fold_table::fold_table(const fold_collation& collation, fold_variant variant,
-                       const std::uint8_t* trie, std::size_t trie_size, const char16_t* pool,
-                       const fold_table_lists& lists, UErrorCode& status)
+                       const std::uint8_t* trie, std::size_t trie_size,
+                       const std::uint8_t* bmp_trie, std::size_t bmp_trie_size,
+                       const char16_t* pool, const fold_table_lists& lists, UErrorCode& status)
     : collation_(&collation), variant_(variant), pool_(pool), lists_(&lists) {
   if (U_FAILURE(status)) return;
-  trie_ = ucptrie_openFromBinary(UCPTRIE_TYPE_FAST, UCPTRIE_VALUE_BITS_32, trie,
-                                 static_cast<int32_t>(trie_size), nullptr, &status);
+  auto open = [&](const std::uint8_t* binary, std::size_t size) -> UCPTrie* {
+    if (size > static_cast<std::size_t>(INT32_MAX)) status = U_ILLEGAL_ARGUMENT_ERROR;
+    if (U_FAILURE(status)) return nullptr;
+    return ucptrie_openFromBinary(UCPTRIE_TYPE_FAST, UCPTRIE_VALUE_BITS_32, binary,
+                                  static_cast<int32_t>(size), nullptr, &status);
+  };
+  trie_ = open(trie, trie_size);
+  bmp_ = bmp_trie != nullptr ? open(bmp_trie, bmp_trie_size) : trie_;
+  if (bmp_ == nullptr) bmp_ = trie_;
   nfc_ = unorm2_getNFCInstance(&status);
   if (U_FAILURE(status)) return;
   for (char16_t c = 0; c < latin_limit; ++c) {
@@ -78,7 +87,10 @@ fold_table::fold_table(const fold_collation& collation, fold_variant variant,
   }
 }
 
-fold_table::~fold_table() { ucptrie_close(trie_); }
+fold_table::~fold_table() {
+  if (bmp_ != trie_) ucptrie_close(bmp_);
+  ucptrie_close(trie_);
+}
 
 std::pair<const contraction_fold*, const contraction_fold*> fold_table::contractions_of(
     UChar32 first) const {
@@ -101,7 +113,11 @@ bool listed(const char32_t* list, std::size_t count, UChar32 c) {
 }  // namespace
 
 UChar32 fold_table::fold_run(UChar32 start, std::uint32_t& fold) const {
-  return ucptrie_getRange(trie_, start, UCPMAP_RANGE_NORMAL, 0, fold_only, nullptr, &fold);
+  if (start > 0xFFFF || bmp_ == trie_) {
+    return ucptrie_getRange(trie_, start, UCPMAP_RANGE_NORMAL, 0, fold_only, nullptr, &fold);
+  }
+  return std::min<UChar32>(
+      ucptrie_getRange(bmp_, start, UCPMAP_RANGE_NORMAL, 0, fold_only, nullptr, &fold), 0xFFFF);
 }
 
 void fold_table::append_fold(UChar32 c, std::u16string& out) const {

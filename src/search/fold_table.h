@@ -50,7 +50,13 @@ class fold_table {
   // must outlive it, as must `lists`.
   fold_table(const fold_collation& collation, fold_variant variant, const std::uint8_t* trie,
              std::size_t trie_size, const char16_t* pool, const fold_table_lists& lists,
-             UErrorCode& status);
+             UErrorCode& status)
+      : fold_table(collation, variant, trie, trie_size, nullptr, 0, pool, lists, status) {}
+  // The same, with the values of U+0000..U+FFFF from `bmp_trie` (if not null)
+  // rather than from `trie`.
+  fold_table(const fold_collation& collation, fold_variant variant, const std::uint8_t* trie,
+             std::size_t trie_size, const std::uint8_t* bmp_trie, std::size_t bmp_trie_size,
+             const char16_t* pool, const fold_table_lists& lists, UErrorCode& status);
   fold_table(const fold_table&) = delete;
   fold_table& operator=(const fold_table&) = delete;
   ~fold_table();
@@ -60,8 +66,11 @@ class fold_table {
   const fold_table& sibling(fold_variant variant) const;
   fold_variant variant() const { return variant_; }
 
-  std::uint32_t value(UChar32 c) const { return UCPTRIE_FAST_GET(trie_, UCPTRIE_32, c); }
-  std::uint32_t bmp_value(char16_t c) const { return UCPTRIE_FAST_BMP_GET(trie_, UCPTRIE_32, c); }
+  std::uint32_t value(UChar32 c) const {
+    return static_cast<std::uint32_t>(c) <= 0xFFFF ? UCPTRIE_FAST_BMP_GET(bmp_, UCPTRIE_32, c)
+                                                   : UCPTRIE_FAST_SUPP_GET(trie_, UCPTRIE_32, c);
+  }
+  std::uint32_t bmp_value(char16_t c) const { return UCPTRIE_FAST_BMP_GET(bmp_, UCPTRIE_32, c); }
   // The fold of a code point whose value is of kind pool.
   std::u16string_view pool_fold(std::uint32_t value) const {
     const char16_t* units = pool_ + fold_value::pool_offset(value);
@@ -139,6 +148,7 @@ class fold_table {
   const fold_collation* collation_;
   fold_variant variant_;
   UCPTrie* trie_ = nullptr;
+  UCPTrie* bmp_ = nullptr;  // trie_, or a trie of its own for U+0000..U+FFFF
   const char16_t* pool_ = nullptr;
   const fold_table_lists* lists_ = nullptr;
   const UNormalizer2* nfc_ = nullptr;

@@ -22,9 +22,8 @@ struct table {
   std::size_t pool_size;
 };
 
-// A collation's tables and lists.
-struct collation_tables {
-  table tables[fold_variant::count];  // by fold_variant::index()
+// What a collation's tables share.
+struct collation_lists {
   const code_point_pair* prevowel_pairs;
   std::size_t prevowel_pair_count;
   const char32_t* dropped_starts;
@@ -33,10 +32,31 @@ struct collation_tables {
   std::size_t variable_end_count;
   const composite_unit* composites[2];  // the accent tables' without case, with case
   std::size_t composite_count[2];
-  // Each table's contractions, sorted by text, one after the other: the
-  // length of the text, the text, the length of the fold, the fold.
+  // Each table's contractions, sorted by text, as stored_contractions
+  // (fold_table_build.h) writes them.
   const char16_t* contractions[fold_variant::count];
   std::size_t contractions_size[fold_variant::count];
+};
+
+// A collation's tables and lists.
+struct collation_tables {
+  table tables[fold_variant::count];  // by fold_variant::index()
+  collation_lists lists;
+};
+
+// A table as its changes to the table of the same variant of `search`
+// (fold_table_changes.h): `change_count` pairs of code point and value.
+struct table_changes {
+  const std::uint32_t* changes;
+  std::size_t change_count;
+  const char16_t* pool;
+  std::size_t pool_size;
+};
+
+// A language's search collation, as changes to the root's.
+struct collation_changes {
+  table_changes tables[fold_variant::count];
+  collation_lists lists;
 };
 
 // The root collator's.
@@ -44,6 +64,15 @@ extern const collation_tables root;
 // The root's search collation ("und-u-co-search"), which most languages use.
 extern const char search_tag[];
 extern const collation_tables search;
+
+// The search collations of their own that ICU has for languages
+// ("da-u-co-search"), by tag; sorted by tag.
+struct language_collation {
+  const char* tag;
+  const collation_changes* changes;
+};
+extern const language_collation languages[];
+extern const std::size_t language_count;
 
 }  // namespace scl::regex::detail::fold_table_data
 

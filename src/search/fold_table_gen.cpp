@@ -1,25 +1,35 @@
 // fold_table_gen OUTPUT.cpp: computes the fold tables from the ICU this
-// program runs with and writes them as C++ source (see fold_table_data.h).
+// program runs with and writes them as C++ source (see fold_table_data.h):
+// the root collator's, the root's search collation's, and those of the
+// languages that have search collations of their own, as changes to the
+// root's search collation.
+#include <algorithm>
 #include <cstdio>
 #include <fstream>
 #include <iostream>
+#include <map>
 #include <memory>
+#include <mutex>
+#include <sstream>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include <unicode/coll.h>
 #include <unicode/locid.h>
-
+#include <unicode/tblcoll.h>
 #include <unicode/uchar.h>
 #include <unicode/uversion.h>
 
 #include "search/collation_tag.h"
 #include "search/fold_table_build.h"
+#include "search/fold_table_changes.h"
 
 namespace {
 
-using scl::regex::detail::code_point_pair;
-using scl::regex::detail::composite_unit;
+namespace detail = scl::regex::detail;
+using detail::code_point_pair;
+using detail::composite_unit;
 
 void write_version(std::ostream& out, const char* name, const UVersionInfo version) {
   out << "const std::uint8_t " << name << "[4] = {";
@@ -41,23 +51,23 @@ void write_array(std::ostream& out, const char* type, const std::string& name,
   out << "\n{}};\n\n";
 }
 
-// Writes the arrays of `image` and the collation_tables `name` that holds them.
-void write_collation(std::ostream& out, const std::string& name,
-                     const scl::regex::detail::fold_tables_image& image) {
+template <class Container>
+void write_units(std::ostream& out, const std::string& name, const Container& units) {
+  const std::vector<char16_t> values(units.begin(), units.end());
+  write_array(out, "char16_t", name, values, 16,
+              [&](char16_t unit) { out << static_cast<unsigned>(unit); });
+}
+
+// Writes the arrays of the lists of `image`; returns the collation_lists
+// that holds them, as source.
+std::string write_lists(std::ostream& out, const std::string& name,
+                        const detail::fold_tables_image& image) {
   const std::size_t count = image.tables.size();
-  std::vector<std::vector<char16_t>> contractions(count);
+  std::vector<std::size_t> contraction_sizes;
   for (std::size_t t = 0; t < count; ++t) {
-    const std::string index = name + '_' + std::to_string(t);
-    out << "alignas(16) ";
-    write_array(out, "std::uint8_t", "trie_" + index, image.tables[t].trie, 24,
-                [&](std::uint8_t byte) { out << static_cast<unsigned>(byte); });
-    const std::vector<char16_t> pool(image.tables[t].pool.begin(), image.tables[t].pool.end());
-    write_array(out, "char16_t", "pool_" + index, pool, 16,
-                [&](char16_t unit) { out << static_cast<unsigned>(unit); });
-    const std::u16string stored = scl::regex::detail::stored_contractions(image.contractions[t]);
-    contractions[t].assign(stored.begin(), stored.end());
-    write_array(out, "char16_t", "contractions_" + index, contractions[t], 16,
-                [&](char16_t unit) { out << static_cast<unsigned>(unit); });
+    const std::u16string stored = detail::stored_contractions(image.contractions[t]);
+    write_units(out, "contractions_" + name + '_' + std::to_string(t), stored);
+    contraction_sizes.push_back(stored.size());
   }
   write_array(out, "code_point_pair", "prevowel_pairs_" + name, image.prevowel_pairs, 6,
               [&](const code_point_pair& pair) {
@@ -79,30 +89,127 @@ void write_collation(std::ostream& out, const std::string& name,
                 image.composites[c], 1, write_composite);
   }
 
-  out << "const collation_tables " << name << " = {\n    {\n";
+  std::ostringstream lists;
+  lists << "{prevowel_pairs_" << name << ", " << image.prevowel_pairs.size() << ", dropped_starts_"
+        << name << ", " << image.dropped_starts.size() << ", variable_ends_" << name << ", "
+        << image.variable_ends.size() << ", {composites_" << name << "_0, composites_" << name
+        << "_1}, {" << image.composites[0].size() << ", " << image.composites[1].size() << "}, {";
   for (std::size_t t = 0; t < count; ++t) {
+    lists << (t != 0 ? ", " : "") << "contractions_" << name << '_' << t;
+  }
+  lists << "}, {";
+  for (std::size_t t = 0; t < count; ++t) lists << (t != 0 ? ", " : "") << contraction_sizes[t];
+  lists << "}}";
+  return lists.str();
+}
+
+// Writes the arrays of `image` and the collation_tables `name` that holds them.
+void write_collation(std::ostream& out, const std::string& name,
+                     const detail::fold_tables_image& image) {
+  for (std::size_t t = 0; t < image.tables.size(); ++t) {
+    const std::string index = name + '_' + std::to_string(t);
+    out << "alignas(16) ";
+    write_array(out, "std::uint8_t", "trie_" + index, image.tables[t].trie, 24,
+                [&](std::uint8_t byte) { out << static_cast<unsigned>(byte); });
+    write_units(out, "pool_" + index, image.tables[t].pool);
+  }
+  const std::string lists = write_lists(out, name, image);
+  out << "const collation_tables " << name << " = {\n    {\n";
+  for (std::size_t t = 0; t < image.tables.size(); ++t) {
     const std::string index = name + '_' + std::to_string(t);
     out << "        {trie_" << index << ", " << image.tables[t].trie.size() << ", pool_" << index
         << ", " << image.tables[t].pool.size() << "},\n";
   }
-  out << "    },\n"
-      << "    prevowel_pairs_" << name << ", " << image.prevowel_pairs.size() << ",\n"
-      << "    dropped_starts_" << name << ", " << image.dropped_starts.size() << ",\n"
-      << "    variable_ends_" << name << ", " << image.variable_ends.size() << ",\n"
-      << "    {composites_" << name << "_0, composites_" << name << "_1},\n"
-      << "    {" << image.composites[0].size() << ", " << image.composites[1].size() << "},\n"
-      << "    {";
-  for (std::size_t t = 0; t < count; ++t)
-    out << (t != 0 ? ", " : "") << "contractions_" << name << '_' << t;
-  out << "},\n    {";
-  for (std::size_t t = 0; t < count; ++t) out << (t != 0 ? ", " : "") << contractions[t].size();
-  out << "},\n};\n\n";
+  out << "    },\n    " << lists << "};\n\n";
+}
+
+// Writes `image` as the collation_changes `name` to `base`.
+UErrorCode write_changes(std::ostream& out, const std::string& name,
+                         const detail::fold_tables_image& base,
+                         const detail::fold_tables_image& image) {
+  std::ostringstream tables;
+  for (std::size_t t = 0; t < image.tables.size(); ++t) {
+    detail::fold_table_changes changes;
+    const UErrorCode status = detail::changes_between(base.tables[t], image.tables[t], changes);
+    if (U_FAILURE(status)) return status;
+    const std::string index = name + '_' + std::to_string(t);
+    write_array(out, "std::uint32_t", "changes_" + index, changes.changes, 8,
+                [&](std::uint32_t value) { out << value << 'U'; });
+    write_units(out, "pool_" + index, changes.pool);
+    tables << "        {changes_" << index << ", " << changes.changes.size() / 2 << ", pool_"
+           << index << ", " << changes.pool.size() << "},\n";
+  }
+  const std::string lists = write_lists(out, name, image);
+  out << "static const collation_changes " << name << " = {\n    {\n"
+      << tables.str() << "    },\n    " << lists << "};\n\n";
+  return U_ZERO_ERROR;
 }
 
 bool failed(UErrorCode status) {
   if (U_SUCCESS(status)) return false;
   std::cerr << "fold_table_gen: ICU failed: " << u_errorName(status) << '\n';
   return true;
+}
+
+// A collation to compute: its collator, and the tags that name it.
+struct collation {
+  std::unique_ptr<icu::Collator> collator;
+  std::vector<std::string> tags;
+  detail::fold_tables_image image;
+  UErrorCode status = U_ZERO_ERROR;
+};
+
+// The search collations ICU has for languages, other than the root's: one for
+// each set of rules, with every tag ICU gives it ("hr-u-co-search" and
+// "bs-u-co-search" import the same rules).
+UErrorCode language_collations(const std::string& search_tag, std::vector<collation>& out) {
+  int32_t count = 0;
+  const icu::Locale* locales = icu::Collator::getAvailableLocales(count);
+  std::map<icu::UnicodeString, std::size_t> by_rules;
+  std::vector<std::string> seen;
+  for (int32_t i = 0; i < count; ++i) {
+    UErrorCode status = U_ZERO_ERROR;
+    icu::Locale locale(locales[i].getBaseName());
+    locale.setKeywordValue("collation", "search", status);
+    std::unique_ptr<icu::Collator> collator(icu::Collator::createInstance(locale, status));
+    if (U_FAILURE(status)) return status;
+    const std::string tag =
+        detail::collation_tag(collator->getLocale(ULOC_ACTUAL_LOCALE, status), status);
+    if (U_FAILURE(status)) return status;
+    if (tag == search_tag || tag == "und" ||
+        std::find(seen.begin(), seen.end(), tag) != seen.end()) {
+      continue;
+    }
+    seen.push_back(tag);
+    const auto* rules = dynamic_cast<const icu::RuleBasedCollator*>(collator.get());
+    if (rules == nullptr) return U_UNSUPPORTED_ERROR;
+    const auto [it, inserted] = by_rules.emplace(rules->getRules(), out.size());
+    if (inserted) {
+      out.push_back({std::move(collator), {}, {}, U_ZERO_ERROR});
+    }
+    out[it->second].tags.push_back(tag);
+  }
+  return U_ZERO_ERROR;
+}
+
+// Builds the tables of every collation, on every core.
+void build_all(std::vector<collation>& collations) {
+  std::mutex mutex;
+  std::size_t next = 0;
+  auto work = [&] {
+    for (;;) {
+      collation* c = nullptr;
+      {
+        const std::lock_guard<std::mutex> lock(mutex);
+        if (next == collations.size()) return;
+        c = &collations[next++];
+      }
+      c->status = detail::build_fold_tables(c->collator->toUCollator(), c->image);
+    }
+  };
+  std::vector<std::thread> threads(std::max(1U, std::thread::hardware_concurrency()));
+  for (std::thread& thread : threads) thread = std::thread(work);
+  for (std::thread& thread : threads) thread.join();
 }
 
 }  // namespace
@@ -112,20 +219,20 @@ int main(int argc, char** argv) {
     std::cerr << "usage: fold_table_gen OUTPUT.cpp\n";
     return 2;
   }
-  scl::regex::detail::fold_tables_image root;
-  if (failed(scl::regex::detail::build_fold_tables(root))) return 1;
-  // The root's search collation, and the tag ICU gives it.
+  // The root's search collation, and the tag ICU gives it, then the languages'.
   UErrorCode status = U_ZERO_ERROR;
-  const icu::Locale search_locale("@collation=search");
-  const std::unique_ptr<icu::Collator> collator(
-      icu::Collator::createInstance(search_locale, status));
+  std::vector<collation> collations(1);
+  collations[0].collator.reset(
+      icu::Collator::createInstance(icu::Locale("@collation=search"), status));
   if (failed(status)) return 1;
   const std::string search_tag =
-      scl::regex::detail::collation_tag(collator->getLocale(ULOC_ACTUAL_LOCALE, status), status);
-  scl::regex::detail::fold_tables_image search;
-  if (failed(status) ||
-      failed(scl::regex::detail::build_fold_tables(collator->toUCollator(), search))) {
-    return 1;
+      detail::collation_tag(collations[0].collator->getLocale(ULOC_ACTUAL_LOCALE, status), status);
+  if (failed(status) || failed(language_collations(search_tag, collations))) return 1;
+  build_all(collations);
+  detail::fold_tables_image root;
+  if (failed(detail::build_fold_tables(root))) return 1;
+  for (const collation& c : collations) {
+    if (failed(c.status)) return 1;
   }
 
   std::ofstream out(argv[1], std::ios::trunc);
@@ -140,7 +247,20 @@ int main(int argc, char** argv) {
   out << '\n';
   write_collation(out, "root", root);
   out << "const char search_tag[] = \"" << search_tag << "\";\n";
-  write_collation(out, "search", search);
+  write_collation(out, "search", collations[0].image);
+
+  std::vector<std::pair<std::string, std::size_t>> tags;
+  for (std::size_t i = 1; i < collations.size(); ++i) {
+    const std::string name = "language_" + std::to_string(i);
+    if (failed(write_changes(out, name, collations[0].image, collations[i].image))) return 1;
+    for (const std::string& tag : collations[i].tags) tags.emplace_back(tag, i);
+  }
+  std::sort(tags.begin(), tags.end());
+  out << "const language_collation languages[] = {\n";
+  for (const auto& [tag, index] : tags) {
+    out << "    {\"" << tag << "\", &language_" << index << "},\n";
+  }
+  out << "    {nullptr, nullptr}};\nconst std::size_t language_count = " << tags.size() << ";\n\n";
   out << "}  // namespace scl::regex::detail::fold_table_data\n";
   out.close();
   if (!out) {
