@@ -28,10 +28,12 @@
 //                                           option set but whole_words: what a second
 //                                           language's tables cost, all eight of them
 //
-// Prints one line, e.g. "fold ms=0.183 rss_kib=412 first=26,30": the time from
-// before the pattern (or the collator) is made to after the first result
-// (steady_clock), the resident memory added meanwhile (/proc/self/statm), and
-// the first match. Each run measures one mode once; bench/first_search.py runs
+// Prints one line, e.g. "fold ms=0.183 rss_kib=412 heap_kib=120 first=26,30":
+// the time from before the pattern (or the collator) is made to after the
+// first result (steady_clock), the resident memory added meanwhile
+// (/proc/self/statm), the heap memory still in use after it that was not
+// before (glibc's mallinfo2: what is kept, without what was used and freed),
+// and the first match. Each run measures one mode once; bench/first_search.py runs
 // the modes in several fresh processes and prints the medians.
 #include <algorithm>
 #include <chrono>
@@ -45,6 +47,7 @@
 #include <utility>
 #include <vector>
 
+#include <malloc.h>
 #include <unicode/ubrk.h>
 #include <unicode/ucol.h>
 #include <unicode/usearch.h>
@@ -196,6 +199,7 @@ int main(int argc, char** argv) {
   }
   if (mode == "swedish") (void)first_in(kDanish);
   const long before = resident_kib();
+  const std::size_t heap_before = mallinfo2().uordblks;
   const clock::time_point start = clock::now();
   range first;
   if (mode == "fold") first = first_with_fold({}, kQuery);
@@ -209,9 +213,11 @@ int main(int argc, char** argv) {
   if (mode == "swedish") first = first_with_every_option_set(&kSwedish);
   const clock::time_point end = clock::now();
   const long after = resident_kib();
+  const std::size_t heap_after = mallinfo2().uordblks;
+  const long heap_kib = (static_cast<long>(heap_after) - static_cast<long>(heap_before)) / 1024;
 
   const double ms = std::chrono::duration<double, std::milli>(end - start).count();
-  std::printf("%s ms=%.3f rss_kib=%ld", mode.c_str(), ms, after - before);
+  std::printf("%s ms=%.3f rss_kib=%ld heap_kib=%ld", mode.c_str(), ms, after - before, heap_kib);
   if (first)
     std::printf(" first=%zu,%zu\n", first->first, first->second);
   else

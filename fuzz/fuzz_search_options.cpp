@@ -2,9 +2,10 @@
 // way.
 //
 // Input: one byte of options (bit 0 match_case, bit 1 whole_words, bit 2
-// ignore_punctuation, the rest the diacritics rule, out of range from 3 on),
-// the query and the replacement (length-prefixed, the replacement at most 16
-// units), then the text (the rest, at most 1024 units).
+// ignore_punctuation, bits 3 and 4 the diacritics rule, out of range at 3,
+// bits 5 to 7 the locale, one of kLocales), the query and the replacement
+// (length-prefixed, the replacement at most 16 units), then the text (the
+// rest, at most 1024 units).
 //
 // Properties:
 // 1. A diacritics rule out of range is an error: the constructors throw
@@ -13,7 +14,7 @@
 // 2. The matches are well formed and agree with found_in, find_first and
 //    replace_all, in UTF-16 and UTF-8 (search_checks.h); each starts on a
 //    grapheme boundary, or with whole words starts and ends on a word
-//    boundary.
+//    boundary of the locale's rules.
 // 3. The query quoted as a regex (\Q...\E, and inside a group, which ICU's
 //    engine searches) finds what the literal query finds, unless it finds
 //    nothing as a literal (usearch_oracle.h, finds_nothing).
@@ -49,12 +50,19 @@ constexpr std::size_t kMaxText = 1024;
 // usearch is slow; it is asked about texts up to this long.
 constexpr std::size_t kMaxOracleText = 256;
 
+// The root collator, and languages whose search collations read letters
+// otherwise: contractions (Danish "aa", Slovak "ch", Catalan "l\u00b7"),
+// letters of their own (Swedish, Turkish), expansions (German), Arabic's
+// alef forms.
+constexpr const char* kLocales[8] = {"", "da", "sv", "tr", "de", "ar", "sk", "ca"};
+
 re::search_options options_of(std::uint8_t bits) {
   re::search_options options;
   options.match_case = (bits & 1) != 0;
   options.whole_words = (bits & 2) != 0;
   options.ignore_punctuation = (bits & 4) != 0;
-  options.diacritics = static_cast<re::diacritics_rule>(bits >> 3);
+  options.diacritics = static_cast<re::diacritics_rule>(bits >> 3 & 3);
+  options.locale = kLocales[bits >> 5];
   return options;
 }
 
@@ -119,7 +127,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::u16string replacement = in.text(kMaxReplacement);
   const std::u16string text = in.rest(kMaxText, &text_bytes);
 
-  if ((bits >> 3) > 2) {
+  if ((bits >> 3 & 3) > 2) {
     check_rejected(query, options);
     return 0;
   }
@@ -128,16 +136,17 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const re::search_pattern pattern(query, re::query_syntax::literal, options);
   FUZZ_CHECK(pattern.options() == options);
   const ranges found = search(pattern, text, replacement);
+  const std::string words = scl_regex_test::word_locale(options.locale);
   if (options.whole_words) {
-    check_boundaries(text, found, UBRK_WORD, true);
+    check_boundaries(text, found, UBRK_WORD, true, words);
   } else {
     check_boundaries(text, found);
   }
   const std::string utf8_replacement = fuzz::to_utf8(replacement);
+  const UBreakIteratorType starts = options.whole_words ? UBRK_WORD : UBRK_CHARACTER;
   check_utf8(pattern, fuzz::to_utf8(fuzz::lone_surrogates_replaced(text)), utf8_replacement,
-             options.whole_words ? UBRK_WORD : UBRK_CHARACTER);
-  check_utf8(pattern, text_bytes, utf8_replacement,
-             options.whole_words ? UBRK_WORD : UBRK_CHARACTER);
+             starts, words);
+  check_utf8(pattern, text_bytes, utf8_replacement, starts, words);
 
   // Property 5.
   const re::prepared_text folded = re::search_fold(text, options);

@@ -231,8 +231,10 @@ SEEDS = {
 # Long texts: preparing more than 1024 units takes another path.
 LONG = "e\u0301xy" * 350  # 1400 units, 1050 in NFC
 # fuzz_search_options: a byte of options (1 match_case, 2 whole_words,
-# 4 ignore_punctuation, the diacritics rule from bit 3), then as fuzz_search_fold.
+# 4 ignore_punctuation, the diacritics rule in bits 3 and 4, the locale in bits
+# 5 to 7: "", da, sv, tr, de, ar, sk, ca), then as fuzz_search_fold.
 CASE, WORDS, PUNCTUATION, MATCH, TYPED = 1, 2, 4, 1 << 3, 2 << 3
+DANISH, SWEDISH, TURKISH, GERMAN, ARABIC, SLOVAK, CATALAN = (i << 5 for i in range(1, 8))
 SEEDS["fuzz_search_options"] = {
     "match_case": bytes([CASE]) + text("Resume") + text("<>")
     + units("R\u00e9sum\u00e9, resume, RESUME, \uff32\uff25\uff33\uff35\uff2d\uff25"),
@@ -247,6 +249,15 @@ SEEDS["fuzz_search_options"] = {
     + units("New York, New-York, newyork, NewYorker, l\u00b7l"),
     "accents_punctuation": bytes([MATCH | PUNCTUATION]) + text("ea") + text("") + units("e-\u0301a \u0301 l\u00b7\u0300"),
     "out_of_range": bytes([31 << 3]) + text("x") + text("") + units("x"),
+    "danish": bytes([DANISH]) + text("aarhus") + text("<>") + units("Aarhus \u00c5rhus AArhus aArhus"),
+    "danish_typed": bytes([DANISH | TYPED | CASE]) + text("Aa") + text("") + units("AA Aa \u00c5 aa"),
+    "swedish": bytes([SWEDISH]) + text("\u00e5nger") + text("") + units("Anger \u00c5nger \u00f8l \u00f6l"),
+    "turkish_case": bytes([TURKISH | CASE]) + text("\u0131") + text("") + units("I i \u0130 \u0131"),
+    "german": bytes([GERMAN | WORDS]) + text("ae") + text("") + units("\u00e4 ae a\u0308e"),
+    "arabic": bytes([ARABIC]) + text("\u0627\u062d\u0645\u062f") + text("")
+    + units("\u0623\u062d\u0645\u062f \u0625\u062d\u0645\u062f"),
+    "slovak": bytes([SLOVAK | MATCH]) + text("ch") + text("") + units("Chata chata c\u0068 \u010d"),
+    "catalan": bytes([CATALAN | PUNCTUATION]) + text("l\u00b7l") + text("") + units("col\u00b7legi coll l.l"),
 }
 SEEDS["fuzz_prepare"]["long_nfc"] = u32(NFC | NO_DIACRITICS) + units(LONG)
 SEEDS["fuzz_handle_search"]["long_nfc"] = u32(NFC) + text("(e\u0301|\u00e9)xy$") + units(LONG)

@@ -72,14 +72,16 @@ inline ranges search(const re::search_pattern& pattern, const Text& text, const 
 }
 
 // Every match starts on a boundary of ICU's break iterator of `kind` (a
-// grapheme cluster, or with whole words a word) over the UTF-16 text; with
-// `ends`, ends on one too.
+// grapheme cluster, or with whole words a word, by the rules of `locale`, an
+// ICU locale ID) over the UTF-16 text; with `ends`, ends on one too.
 inline void check_boundaries(const std::u16string& text, const ranges& found,
-                             UBreakIteratorType kind = UBRK_CHARACTER, bool ends = false) {
+                             UBreakIteratorType kind = UBRK_CHARACTER, bool ends = false,
+                             const std::string& locale = "") {
   if (found.empty()) return;
   UErrorCode status = U_ZERO_ERROR;
   const std::unique_ptr<UBreakIterator, void (*)(UBreakIterator*)> breaks(
-      ubrk_open(kind, "", text.data(), static_cast<int32_t>(text.size()), &status), ubrk_close);
+      ubrk_open(kind, locale.c_str(), text.data(), static_cast<int32_t>(text.size()), &status),
+      ubrk_close);
   FUZZ_CHECK(U_SUCCESS(status));
   for (const auto& range : found) {
     FUZZ_CHECK(ubrk_isBoundary(breaks.get(), static_cast<int32_t>(range.first)));
@@ -139,10 +141,11 @@ inline ranges in_units(const ranges& bytes, const decoded& text) {
 
 // Property 5: `bytes` searched as UTF-8 finds what its decoding finds as UTF-16.
 inline void check_utf8(const re::search_pattern& pattern, const std::string& bytes,
-                       const std::string& replacement, UBreakIteratorType starts = UBRK_CHARACTER) {
+                       const std::string& replacement, UBreakIteratorType starts = UBRK_CHARACTER,
+                       const std::string& locale = "") {
   const decoded text = decode(bytes);
   const ranges as_utf16 = search(pattern, text.text, decode(replacement).text);
-  check_boundaries(text.text, as_utf16, starts);
+  check_boundaries(text.text, as_utf16, starts, false, locale);
   FUZZ_CHECK(in_units(search(pattern, bytes, replacement), text) == as_utf16);
 }
 

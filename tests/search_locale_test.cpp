@@ -2,6 +2,8 @@
 // collation, as CLDR defines it and ICU ships it.
 #include <optional>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -91,6 +93,31 @@ TEST(SearchLocale, ContractionsAreReadFromTheLeftLongestFirst) {
   EXPECT_EQ(a[0].start, 3U);
   // UTF-8 text reads them alike.
   EXPECT_EQ(ring.find_all("aaaa").size(), 2U);
+}
+
+// Diacritics matched where typed check the accents of each match in the
+// text as the whole text reads it: after "aa", the third "a" is a letter.
+TEST(SearchLocale, TypedDiacriticsReadContractionsAsTheTextDoes) {
+  re::search_options options = in("da");
+  options.diacritics = re::diacritics_rule::match_typed;
+  const re::search_pattern a(u"a", re::query_syntax::literal, options);
+  for (const std::u16string_view text : {u"aaa", u"\u001faaa "}) {
+    const std::vector<re::source_match> found = a.find_all(text);
+    ASSERT_EQ(found.size(), 1U);
+    EXPECT_EQ(found[0].end, text.size() - (text.back() == u' ' ? 1 : 0));
+    EXPECT_EQ(found[0].end - found[0].start, 1U);
+  }
+  EXPECT_EQ(a.find_all("aaa").size(), 1U);
+  for (const char16_t* query : {u"\\Qa\\E", u"(?:\\Qa\\E)", u"a"}) {
+    EXPECT_EQ(re::search_pattern(query, re::query_syntax::regex, options).find_all(u"aaa").size(),
+              1U)
+        << "regex";
+  }
+  // "aa" after "aa" is a second ring.
+  const re::search_pattern ring(u"aa", re::query_syntax::literal, options);
+  const std::vector<re::source_match> rings = ring.find_all(u"aaaa");
+  ASSERT_EQ(rings.size(), 2U);
+  EXPECT_EQ(rings[1].start, 2U);
 }
 
 // Catalan reads "l\u00b7" as a letter of its own; the root reads the dot as

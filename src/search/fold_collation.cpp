@@ -167,41 +167,33 @@ const fold_table& fold_collation::table(fold_variant variant) const {
 void fold_collation::load(std::size_t index) const {
   namespace data = fold_table_data;
   fold_tables_image& image = images_[index];
-  const std::uint8_t* trie = nullptr;
-  std::size_t trie_size = 0;
-  const std::uint8_t* bmp_trie = nullptr;  // the values of U+0000..U+FFFF, if not in `trie`
-  std::size_t bmp_trie_size = 0;
-  const char16_t* pool = nullptr;
+  fold_table::source from{};
   const data::collation_lists* lists = nullptr;
   if (embedded_ != nullptr) {
-    trie = embedded_->tables[index].trie;
-    trie_size = embedded_->tables[index].trie_size;
-    pool = embedded_->tables[index].pool;
+    const data::table& table = embedded_->tables[index];
+    from = {table.trie, table.trie_size, nullptr, 0, table.pool, table.pool_size, nullptr};
     lists = &embedded_->lists;
   } else if (changes_ != nullptr) {
     // The root's search collation's table, changed.
     const data::table& base = data::search.tables[index];
     const data::table_changes& changes = changes_->tables[index];
-    fold_table_image& table = image.tables[index];
-    throw_if_failed(apply_changes(base.trie, base.trie_size, base.pool, base.pool_size,
-                                  changes.changes, changes.change_count, changes.pool,
-                                  changes.pool_size, table));
-    trie = table.trie.data();
-    trie_size = table.trie.size();
-    if (table.bmp_only) {
-      bmp_trie = trie;
-      bmp_trie_size = trie_size;
-      trie = base.trie;
-      trie_size = base.trie_size;
+    std::vector<std::uint8_t>& trie = image.tables[index].trie;
+    bool bmp_only = false;
+    throw_if_failed(apply_changes(base.trie, base.trie_size, changes.changes, changes.change_count,
+                                  trie, bmp_only));
+    from = {trie.data(), trie.size(), nullptr, 0, base.pool, base.pool_size, changes.pool};
+    if (bmp_only) {
+      from.bmp_trie = from.trie;
+      from.bmp_trie_size = from.trie_size;
+      from.trie = base.trie;
+      from.trie_size = base.trie_size;
     }
-    pool = table.pool.c_str();
     lists = &changes_->lists;
   } else {
     // The root's tables, computed when the collation was made.
     const fold_table_image& table = images_[0].tables[index];
-    trie = table.trie.data();
-    trie_size = table.trie.size();
-    pool = table.pool.c_str();
+    from = {table.trie.data(),  table.trie.size(), nullptr, 0,
+            table.pool.c_str(), table.pool.size(), nullptr};
     lists_[index] = lists_of(images_[0], index);
   }
   if (lists != nullptr) {
@@ -219,9 +211,8 @@ void fold_collation::load(std::size_t index) const {
                      contractions.size()};
   }
   UErrorCode status = U_ZERO_ERROR;
-  auto table =
-      std::make_unique<fold_table>(*this, fold_variant::at(static_cast<int>(index)), trie,
-                                   trie_size, bmp_trie, bmp_trie_size, pool, lists_[index], status);
+  auto table = std::make_unique<fold_table>(*this, fold_variant::at(static_cast<int>(index)), from,
+                                            lists_[index], status);
   throw_if_failed(status);
   tables_[index] = std::move(table);
 }

@@ -24,20 +24,23 @@ const fold_table& fold_table::sibling(fold_variant variant) const {
   return collation_->table(variant);
 }
 
-fold_table::fold_table(const fold_collation& collation, fold_variant variant,
-                       const std::uint8_t* trie, std::size_t trie_size,
-                       const std::uint8_t* bmp_trie, std::size_t bmp_trie_size,
-                       const char16_t* pool, const fold_table_lists& lists, UErrorCode& status)
-    : collation_(&collation), variant_(variant), pool_(pool), lists_(&lists) {
+fold_table::fold_table(const fold_collation& collation, fold_variant variant, const source& from,
+                       const fold_table_lists& lists, UErrorCode& status)
+    : collation_(&collation), variant_(variant), pool_(from.pool), lists_(&lists) {
   if (U_FAILURE(status)) return;
+  if (from.more_pool != nullptr) {
+    if (from.pool_size > fold_value::max_pool_offset) status = U_ILLEGAL_ARGUMENT_ERROR;
+    more_pool_ = from.more_pool;
+    more_pool_from_ = static_cast<std::uint32_t>(from.pool_size);
+  }
   auto open = [&](const std::uint8_t* binary, std::size_t size) -> UCPTrie* {
     if (size > static_cast<std::size_t>(INT32_MAX)) status = U_ILLEGAL_ARGUMENT_ERROR;
     if (U_FAILURE(status)) return nullptr;
     return ucptrie_openFromBinary(UCPTRIE_TYPE_FAST, UCPTRIE_VALUE_BITS_32, binary,
                                   static_cast<int32_t>(size), nullptr, &status);
   };
-  trie_ = open(trie, trie_size);
-  bmp_ = bmp_trie != nullptr ? open(bmp_trie, bmp_trie_size) : trie_;
+  trie_ = open(from.trie, from.trie_size);
+  bmp_ = from.bmp_trie != nullptr ? open(from.bmp_trie, from.bmp_trie_size) : trie_;
   if (bmp_ == nullptr) bmp_ = trie_;
   nfc_ = unorm2_getNFCInstance(&status);
   if (U_FAILURE(status)) return;
@@ -54,7 +57,7 @@ fold_table::fold_table(const fold_collation& collation, fold_variant variant,
         break;
       }
       case fold_kind::pool: {
-        const char16_t* units = pool_ + fold_value::pool_offset(value);
+        const char16_t* units = pool_at(fold_value::pool_offset(value));
         if (fold_value::pool_length(value) == 2 && !starts_contractions(value) && units[0] != 0 &&
             units[1] != 0 && !U16_IS_SURROGATE(units[0]) && !U16_IS_SURROGATE(units[1])) {
           packed = units[0] | static_cast<std::uint32_t>(units[1]) << 16;

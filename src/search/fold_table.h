@@ -51,12 +51,23 @@ class fold_table {
   fold_table(const fold_collation& collation, fold_variant variant, const std::uint8_t* trie,
              std::size_t trie_size, const char16_t* pool, const fold_table_lists& lists,
              UErrorCode& status)
-      : fold_table(collation, variant, trie, trie_size, nullptr, 0, pool, lists, status) {}
-  // The same, with the values of U+0000..U+FFFF from `bmp_trie` (if not null)
-  // rather than from `trie`.
-  fold_table(const fold_collation& collation, fold_variant variant, const std::uint8_t* trie,
-             std::size_t trie_size, const std::uint8_t* bmp_trie, std::size_t bmp_trie_size,
-             const char16_t* pool, const fold_table_lists& lists, UErrorCode& status);
+      : fold_table(collation, variant, {trie, trie_size, nullptr, 0, pool, 0, nullptr}, lists,
+                   status) {}
+  // Where a table that is another's with changes (fold_table_changes.h) is:
+  // the other's trie and pool, a trie of the values of U+0000..U+FFFF (if
+  // not null, rather than those of `trie`), and the pool that continues
+  // `pool` from `pool_size` on (if not null).
+  struct source {
+    const std::uint8_t* trie;
+    std::size_t trie_size;
+    const std::uint8_t* bmp_trie;
+    std::size_t bmp_trie_size;
+    const char16_t* pool;
+    std::size_t pool_size;
+    const char16_t* more_pool;
+  };
+  fold_table(const fold_collation& collation, fold_variant variant, const source& from,
+             const fold_table_lists& lists, UErrorCode& status);
   fold_table(const fold_table&) = delete;
   fold_table& operator=(const fold_table&) = delete;
   ~fold_table();
@@ -73,7 +84,7 @@ class fold_table {
   std::uint32_t bmp_value(char16_t c) const { return UCPTRIE_FAST_BMP_GET(bmp_, UCPTRIE_32, c); }
   // The fold of a code point whose value is of kind pool.
   std::u16string_view pool_fold(std::uint32_t value) const {
-    const char16_t* units = pool_ + fold_value::pool_offset(value);
+    const char16_t* units = pool_at(fold_value::pool_offset(value));
     std::size_t length = fold_value::pool_length(value);
     if (length != 0 && units[0] == fold_value::contraction_mark) {
       ++units;
@@ -84,7 +95,7 @@ class fold_table {
   // Whether the code point whose value is `value` starts contractions.
   bool starts_contractions(std::uint32_t value) const {
     return fold_value::kind(value) == fold_kind::pool && fold_value::pool_length(value) != 0 &&
-           pool_[fold_value::pool_offset(value)] == fold_value::contraction_mark;
+           *pool_at(fold_value::pool_offset(value)) == fold_value::contraction_mark;
   }
   // The contractions, sorted by text (none for the root collator).
   const contraction_fold* contractions_begin() const { return lists_->contractions; }
@@ -149,7 +160,13 @@ class fold_table {
   fold_variant variant_;
   UCPTrie* trie_ = nullptr;
   UCPTrie* bmp_ = nullptr;  // trie_, or a trie of its own for U+0000..U+FFFF
+  const char16_t* pool_at(std::uint32_t offset) const {
+    return offset < more_pool_from_ ? pool_ + offset : more_pool_ + (offset - more_pool_from_);
+  }
+
   const char16_t* pool_ = nullptr;
+  const char16_t* more_pool_ = nullptr;  // where offsets from more_pool_from_ on point
+  std::uint32_t more_pool_from_ = UINT32_MAX;
   const fold_table_lists* lists_ = nullptr;
   const UNormalizer2* nfc_ = nullptr;
   std::uint32_t latin_[latin_limit] = {};

@@ -25,9 +25,6 @@ namespace scl::regex::detail {
 struct fold_table_image {
   std::vector<std::uint8_t> trie;  // a serialised UCPTrie: fast type, 32-bit values
   std::u16string pool;             // the folds of more than one code point
-  // Whether `trie` holds the values of U+0000..U+FFFF alone, the others
-  // being those of another table's trie (apply_changes, fold_table_changes.h).
-  bool bmp_only = false;
 };
 
 struct fold_tables_image {

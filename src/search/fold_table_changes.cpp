@@ -79,20 +79,19 @@ UErrorCode changes_between(const fold_table_image& base, const fold_table_image&
 }
 
 UErrorCode apply_changes(const std::uint8_t* base_trie, std::size_t base_trie_size,
-                         const char16_t* base_pool, std::size_t base_pool_size,
-                         const std::uint32_t* changes, std::size_t count, const char16_t* pool,
-                         std::size_t pool_size, fold_table_image& out) {
+                         const std::uint32_t* changes, std::size_t count,
+                         std::vector<std::uint8_t>& trie, bool& bmp_only) {
   UErrorCode status = U_ZERO_ERROR;
   const trie_pointer base = open_trie(base_trie, base_trie_size, status);
   if (U_FAILURE(status)) return status;
-  out.bmp_only = true;
+  bmp_only = true;
   for (std::size_t i = 0; i < count; ++i) {
     if (changes[2 * i] >= static_cast<std::uint32_t>(kCodePoints)) return U_ILLEGAL_ARGUMENT_ERROR;
-    if (changes[2 * i] > 0xFFFF) out.bmp_only = false;
+    if (changes[2 * i] > 0xFFFF) bmp_only = false;
   }
   std::unique_ptr<UMutableCPTrie, decltype(&umutablecptrie_close)> values(nullptr,
                                                                           &umutablecptrie_close);
-  if (out.bmp_only) {
+  if (bmp_only) {
     values.reset(umutablecptrie_open(0, 0, &status));
     for (UChar32 start = 0; start <= 0xFFFF && U_SUCCESS(status);) {
       std::uint32_t value = 0;
@@ -110,20 +109,17 @@ UErrorCode apply_changes(const std::uint8_t* base_trie, std::size_t base_trie_si
                        &status);
   }
   if (U_FAILURE(status)) return status;
-  const trie_pointer trie(umutablecptrie_buildImmutable(values.get(), UCPTRIE_TYPE_FAST,
-                                                        UCPTRIE_VALUE_BITS_32, &status),
-                          &ucptrie_close);
+  const trie_pointer built(umutablecptrie_buildImmutable(values.get(), UCPTRIE_TYPE_FAST,
+                                                         UCPTRIE_VALUE_BITS_32, &status),
+                           &ucptrie_close);
   if (U_FAILURE(status)) return status;
-  const int32_t size = ucptrie_toBinary(trie.get(), nullptr, 0, &status);
+  const int32_t size = ucptrie_toBinary(built.get(), nullptr, 0, &status);
   if (status != U_BUFFER_OVERFLOW_ERROR) {
     return U_FAILURE(status) ? status : U_INTERNAL_PROGRAM_ERROR;
   }
   status = U_ZERO_ERROR;
-  out.trie.assign(static_cast<std::size_t>(size), 0);
-  ucptrie_toBinary(trie.get(), out.trie.data(), size, &status);
-  out.pool.reserve(base_pool_size + pool_size);
-  out.pool.assign(base_pool, base_pool_size);
-  out.pool.append(pool, pool_size);
+  trie.assign(static_cast<std::size_t>(size), 0);
+  ucptrie_toBinary(built.get(), trie.data(), size, &status);
   return status;
 }
 

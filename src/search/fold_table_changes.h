@@ -29,14 +29,14 @@ struct fold_table_changes {
 UErrorCode changes_between(const fold_table_image& base, const fold_table_image& table,
                            fold_table_changes& out);
 
-// The table that `changes` (`count` pairs) and `pool` make of `base`. If no
-// change is beyond U+FFFF, `out` holds the values of U+0000..U+FFFF alone
-// (bmp_only: a trie of the BMP builds in half the time of a whole one) and
-// the base's trie holds the others. Returns ICU's error, if any.
+// The trie that `changes` (`count` pairs) make of `base_trie`, serialised
+// into `trie` (the table's pool is the base's, then the changes'). If no
+// change is beyond U+FFFF, `trie` holds the values of U+0000..U+FFFF alone
+// and `bmp_only` is set: the base's trie holds the others, and a trie of the
+// BMP builds in half the time of a whole one. Returns ICU's error, if any.
 UErrorCode apply_changes(const std::uint8_t* base_trie, std::size_t base_trie_size,
-                         const char16_t* base_pool, std::size_t base_pool_size,
-                         const std::uint32_t* changes, std::size_t count, const char16_t* pool,
-                         std::size_t pool_size, fold_table_image& out);
+                         const std::uint32_t* changes, std::size_t count,
+                         std::vector<std::uint8_t>& trie, bool& bmp_only);
 
 }  // namespace scl::regex::detail
 

@@ -1,5 +1,7 @@
 #include "search/typed_accents.h"
 
+#include <algorithm>
+#include <cstddef>
 #include <string>
 
 #include <unicode/uchar.h>
@@ -138,11 +140,23 @@ bool typed_accents::place_in(const Unit* source, int32_t size, int32_t limit, so
 
   thread_local folded_text folded;
   thread_local std::vector<element> text;
-  fold_text(*table_, source + context, window_end - context, false, folded);
-  text.clear();
-  elements_of(folded, context, text);
   std::size_t first = 0;
-  while (first < text.size() && text[first].piece_start < window_start) ++first;
+  for (;;) {
+    fold_text(*table_, source + context, window_end - context, false, folded);
+    text.clear();
+    elements_of(folded, context, text);
+    first = 0;
+    while (first < text.size() && text[first].piece_start < window_start) ++first;
+    // The match starts a piece of the text. Where the character before the
+    // window forms a contraction with the window's first ("a" + "a" in
+    // Danish, read from the left otherwise than the whole text reads), the
+    // window is folded without it.
+    const bool starts_piece =
+        std::any_of(text.begin() + static_cast<std::ptrdiff_t>(first), text.end(),
+                    [&](const element& e) { return e.piece_start == span.start; });
+    if (starts_piece || context == window_start) break;
+    context = window_start;
+  }
 
   // Each accent before the match, then the match's own start.
   for (std::size_t i = first; i < text.size() && text[i].piece_start <= span.start; ++i) {

@@ -257,11 +257,18 @@
 // alike; a regex class sees its fold as one character ("[\u00e5]rhus" finds
 // "Aarhus"). A contraction whose collation elements no character has alone
 // folds to a letter that NFC never lets through. whole_words finds the
-// boundaries of the locale's word break iterator. A language's fold tables
-// are built from ICU's collator at the first search in it with a given set
-// of options (some hundreds of milliseconds), then kept for the life of the
-// process, shared by all threads. The differences from usearch listed above
-// carry over, for the contractions of the root collator too.
+// boundaries of the locale's word break iterator. The fold tables of the
+// search collations ICU has (the root's, and those of the languages with
+// rules of their own) are computed when the library is built, against the
+// ICU it links; a language's first search with a set of options makes its
+// table from them in a few milliseconds, about what usearch's first search
+// in it costs, and some hundred KiB. A collation the tag names otherwise
+// ("de-u-co-phonebk", "zh-u-co-pinyin"), or any collation when the ICU found
+// at run time is not the one the library was built with, has its tables
+// built from ICU's collator at its first search (some hundreds of
+// milliseconds). Tables are kept for the life of the process, shared by all
+// threads. The differences from usearch listed above carry over, for the
+// contractions of the root collator too.
 //
 // Thread safety: a search_pattern is immutable after construction; any number
 // of threads may search with one object, or with copies of it, at once.
