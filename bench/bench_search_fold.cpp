@@ -452,11 +452,11 @@ void icu_language_find_all(benchmark::State& state, const language_case& c) {
 
 // The set-up of a pattern once its language's tables are built: a second
 // pattern in a language costs what one with the root collation does.
-void lib_pattern_setup(benchmark::State& state, const char* locale) {
+void lib_pattern_setup(benchmark::State& state, const char* locale, const char16_t* query) {
   const re::search_options options = in_language(locale);
   (void)re::search_pattern(u"aarhus", re::query_syntax::literal, options).find_all(u"Aarhus");
   for (auto _ : state) {
-    const re::search_pattern pattern(u"aalborg", re::query_syntax::literal, options);
+    const re::search_pattern pattern(query, re::query_syntax::literal, options);
     benchmark::DoNotOptimize(&pattern);
   }
 }
@@ -638,8 +638,13 @@ void icu_regex_compile(benchmark::State& state, const std::u16string& query) {
     benchmark::RegisterBenchmark(("lib/" + name).c_str(), lib_language_find_all, c);
     benchmark::RegisterBenchmark(("icu/" + name).c_str(), icu_language_find_all, c);
   }
-  benchmark::RegisterBenchmark("lib/fold_pattern_setup/aalborg/root", lib_pattern_setup, "");
-  benchmark::RegisterBenchmark("lib/fold_pattern_setup/aalborg/da", lib_pattern_setup, "da");
+  // A query with a Danish contraction ("aa"), and one without.
+  for (const char16_t* query : {u"aalborg", u"odense"}) {
+    const std::u16string units(query);
+    const std::string name = "lib/fold_pattern_setup/" + std::string(units.begin(), units.end());
+    benchmark::RegisterBenchmark((name + "/root").c_str(), lib_pattern_setup, "", query);
+    benchmark::RegisterBenchmark((name + "/da").c_str(), lib_pattern_setup, "da", query);
+  }
   for (const char* name : {"\\p{L}", "[^\\s]"}) {
     const std::u16string query = ascii(name);
     benchmark::RegisterBenchmark((std::string("lib/fold_regex_compile/") + name).c_str(),

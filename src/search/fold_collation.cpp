@@ -110,9 +110,15 @@ const search_locale& fold_collation::resolve(std::string_view locale) {
   // The tag this thread asked for last: a pattern asks twice (to check its
   // options, then to use them), and a program mostly searches in one language.
   // (Entries stay where they are: std::map does not move them.)
-  thread_local std::string last_tag;
-  thread_local const search_locale* last = nullptr;
-  if (last != nullptr && last_tag == locale) return *last;
+  struct last_asked {
+    std::string tag;
+    const search_locale* locale = nullptr;
+  };
+  thread_local last_asked last;
+  if (last.locale != nullptr && last.tag.size() == locale.size() &&
+      std::equal(locale.begin(), locale.end(), last.tag.begin())) {
+    return *last.locale;
+  }
 
   static std::mutex mutex;
   static std::map<std::string, search_locale, std::less<>> by_request;
@@ -147,9 +153,9 @@ const search_locale& fold_collation::resolve(std::string_view locale) {
     }
     found = by_request.emplace(std::string(locale), search_locale{resolved, *id}).first;
   }
-  last_tag = locale;
-  last = &found->second;
-  return *last;
+  last.tag = locale;
+  last.locale = &found->second;
+  return *last.locale;
 }
 
 const fold_table& fold_collation::table(fold_variant variant) const {

@@ -102,8 +102,9 @@ class fold_table {
   const contraction_fold* contractions_end() const {
     return lists_->contractions + lists_->contraction_count;
   }
-  // Those that start with `first`, a range of them.
-  std::pair<const contraction_fold*, const contraction_fold*> contractions_of(UChar32 first) const;
+  // Those that start with `first` and `second`, a range of them.
+  std::pair<const contraction_fold*, const contraction_fold*> contractions_of(UChar32 first,
+                                                                              UChar32 second) const;
   // Whether `c` may be the second code point of a contraction (false means
   // no contraction goes on with it).
   bool may_follow_starter(UChar32 c) const {
@@ -171,8 +172,11 @@ class fold_table {
   const UNormalizer2* nfc_ = nullptr;
   std::uint32_t latin_[latin_limit] = {};
   // For each code point that starts contractions, where they are.
+  // The contractions that start with two code points, a range of them;
+  // sorted by the code points.
   struct starter {
     UChar32 first;
+    UChar32 second;
     std::uint32_t begin;
     std::uint32_t end;
   };

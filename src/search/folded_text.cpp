@@ -124,13 +124,19 @@ class folder {
   // contractions are sorted by text, so those that the text read so far
   // starts are a range, narrowed a code point at a time.
   int32_t fold_contraction(int32_t at) {
-    // Compares a contraction's text, cut to the length of `prefix`, with it.
-    struct by_prefix {
-      bool operator()(const contraction_fold& c, std::u16string_view prefix) const {
-        return std::u16string_view(c.text).substr(0, prefix.size()) < prefix;
+    // Compares the units of a contraction's text from `from` on, as many as
+    // `next` has, with `next`: the contractions compared all have the units
+    // before `from` in common.
+    struct by_next {
+      std::size_t from;
+      std::u16string_view part(const contraction_fold& c) const {
+        return std::u16string_view(c.text).substr(std::min(from, c.text.size()));
       }
-      bool operator()(std::u16string_view prefix, const contraction_fold& c) const {
-        return prefix < std::u16string_view(c.text).substr(0, prefix.size());
+      bool operator()(const contraction_fold& c, std::u16string_view next) const {
+        return part(c).substr(0, next.size()) < next;
+      }
+      bool operator()(std::u16string_view next, const contraction_fold& c) const {
+        return next < part(c).substr(0, next.size());
       }
     };
     int32_t in_text = at;
@@ -149,13 +155,20 @@ class folder {
       }
     };
     append(head);
-    auto [first, last] = table_.contractions_of(head);
+    const UChar32 second = next_code_point(text_, in_text, size_);
+    append(second);
+    auto [first, last] = table_.contractions_of(head, second);
     const contraction_fold* longest = nullptr;
     int32_t longest_end = at;
+    if (first != last && first->text.size() == length) {  // a whole contraction sorts first
+      longest = first;
+      longest_end = in_text;
+    }
     while (first != last && in_text < size_ && length + 2 <= units.size()) {
+      const std::size_t matched = length;  // the units every contraction in range has
       append(next_code_point(text_, in_text, size_));
-      const std::u16string_view prefix(units.data(), length);
-      std::tie(first, last) = std::equal_range(first, last, prefix, by_prefix{});
+      const std::u16string_view next(units.data() + matched, length - matched);
+      std::tie(first, last) = std::equal_range(first, last, next, by_next{matched});
       if (first != last && first->text.size() == length) {  // a whole contraction sorts first
         longest = first;
         longest_end = in_text;
