@@ -82,22 +82,68 @@ std::vector<std::string> available_locales() {
 }
 
 // Every locale ICU has collation data for (Collator::getAvailableLocales),
-// with fewer texts each. One test, so that locales sharing a collation share
-// its tables. (The toggles with a language: EachLocale above.)
+// with fewer texts each, without toggles and with every one of them. One
+// test, so that locales sharing a collation share its tables.
 TEST(EveryLocale, FindsWhatUsearchFindsWithTheLocalesCollator) {
   const std::vector<std::string> locales = available_locales();
   EXPECT_GT(locales.size(), 100U);
   for (const std::string& locale : locales) {
-    SCOPED_TRACE(locale);
-    re::search_options options;
-    options.locale = locale;
-    failure_log log;
-    const differential_counts counts = run_differential(options, 20261127, 40, 4, log);
-    EXPECT_EQ(counts.disagreements, 0) << counts.summary();
-    EXPECT_EQ(counts.usearch_errors, 0);
-    EXPECT_EQ(log.total(), 0) << log.summary();
-    EXPECT_GT(counts.compared, counts.pairs / 2);
+    for (const bool toggles : {false, true}) {
+      SCOPED_TRACE(locale + (toggles ? " with every toggle" : ""));
+      re::search_options options;
+      options.locale = locale;
+      if (toggles) {
+        options.match_case = true;
+        options.diacritics = re::diacritics_rule::match_typed;
+        options.whole_words = true;
+        options.ignore_punctuation = true;
+      }
+      failure_log log;
+      const differential_counts counts = run_differential(options, 20261127, 40, 4, log);
+      EXPECT_EQ(counts.disagreements, 0) << counts.summary();
+      EXPECT_EQ(counts.usearch_errors, 0);
+      EXPECT_EQ(log.total(), 0) << log.summary();
+      EXPECT_GT(counts.compared, counts.pairs / 2);
+    }
   }
+}
+
+}  // namespace
+
+namespace {
+
+// Where a match ends with a contraction of a language's collation, usearch
+// in ICU 72 takes the characters the collator ignores after it into the
+// match; the search ends it after the contraction, as after another letter.
+TEST(UsearchDifference, UsearchTakesWhatItIgnoresAfterAFinalContraction) {
+  re::search_options options;
+  options.locale = "ca";
+  const std::u16string text = u"l\u00b7\u00adx";
+  const ranges library =
+      ranges_of(re::search_pattern(u"l\u00b7", re::query_syntax::literal, options).find_all(text));
+  EXPECT_EQ(library, (ranges{{0, 2}}));
+  usearch_oracle oracle(options);
+  bool failed = false;
+  const ranges usearch = oracle.find_all(u"l\u00b7", text, failed);
+  ASSERT_FALSE(failed);
+  EXPECT_EQ(usearch, (ranges{{0, 3}}));
+  EXPECT_TRUE(agrees(oracle, options, text, library, usearch));
+  // Only what the collator ignores: a letter after the match is no such end.
+  EXPECT_FALSE(agrees(oracle, options, u"l\u00b7xx", ranges{{0, 2}}, ranges{{0, 3}}));
+  // And the root collator's matches are compared as they are.
+  options.locale.clear();
+  EXPECT_FALSE(agrees(usearch_oracle(options), options, text, ranges{{0, 1}}, ranges{{0, 3}}));
+
+  // Danish "aa" with punctuation ignored, the same.
+  options.locale = "da";
+  options.ignore_punctuation = true;
+  usearch_oracle danish(options);
+  const std::u16string aa = u"aa\u007fx";
+  const ranges found =
+      ranges_of(re::search_pattern(u"aa", re::query_syntax::literal, options).find_all(aa));
+  EXPECT_EQ(found, (ranges{{0, 2}}));
+  EXPECT_EQ(danish.find_all(u"aa", aa, failed), (ranges{{0, 3}}));
+  EXPECT_TRUE(agrees(danish, options, aa, found, danish.find_all(u"aa", aa, failed)));
 }
 
 }  // namespace

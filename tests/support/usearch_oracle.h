@@ -385,6 +385,24 @@ inline exclusion excluded(const usearch_oracle& oracle, const re::search_options
   return exclusion::none;
 }
 
+// Whether search_pattern's matches are usearch's. With a language's
+// collation, usearch may end a match that ends with a contraction after the
+// characters the collator ignores that follow it (the header lists this):
+// such an end counts as the library's, before them.
+inline bool agrees(const usearch_oracle& oracle, const re::search_options& options,
+                   std::u16string_view text, const ranges& library, const ranges& usearch) {
+  if (library == usearch) return true;
+  if (options.locale.empty() || library.size() != usearch.size()) return false;
+  for (std::size_t i = 0; i < library.size(); ++i) {
+    const auto [start, end] = library[i];
+    if (start != usearch[i].first || end > usearch[i].second) return false;
+    for (const UChar32 c : code_points_of(text.substr(end, usearch[i].second - end))) {
+      if (!oracle.ignorable(c)) return false;
+    }
+  }
+  return true;
+}
+
 // Whether a literal query finds nothing: it folds to nothing, or, where
 // diacritics count and punctuation does not, to accents alone (usearch then
 // reports empty matches; a regex query finds the accents).

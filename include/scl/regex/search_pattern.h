@@ -268,7 +268,12 @@
 // built from ICU's collator at its first search (some hundreds of
 // milliseconds). Tables are kept for the life of the process, shared by all
 // threads. The differences from usearch listed above carry over, for the
-// contractions of the root collator too.
+// contractions of the root collator too; and where a match ends with a
+// contraction of a language's collation, usearch in ICU 72 often takes the
+// characters it ignores after it into the match (controls, a soft hyphen,
+// with ignore_punctuation punctuation too: Catalan "l\u00b7" in
+// "l\u00b7\u00adx" is [0, 3) to usearch), where a search here ends the match
+// after the contraction, as after any other letter ([0, 2)).
 //
 // Thread safety: a search_pattern is immutable after construction; any number
 // of threads may search with one object, or with copies of it, at once.
