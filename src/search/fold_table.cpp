@@ -16,6 +16,16 @@
 
 namespace scl::regex::detail {
 
+namespace {
+
+// Two code points as one key, in code point order.
+std::uint64_t starter_key(UChar32 first, UChar32 second) {
+  return static_cast<std::uint64_t>(static_cast<std::uint32_t>(first)) << 21 |
+         static_cast<std::uint32_t>(second);
+}
+
+}  // namespace
+
 const fold_table& fold_table::get(fold_variant variant) {
   return fold_collation::root().table(variant);
 }
@@ -77,7 +87,7 @@ fold_table::fold_table(const fold_collation& collation, fold_variant variant, co
     latin_[c] = packed;
   }
   // Contractions sorted by text have those with the same two code points
-  // together (text order is not code point order beyond U+FFFF: sorted so).
+  // together.
   for (std::uint32_t k = 0; k < lists.contraction_count; ++k) {
     const std::u16string& text = lists.contractions[k].text;
     int32_t at = 0;
@@ -85,16 +95,11 @@ fold_table::fold_table(const fold_collation& collation, fold_variant variant, co
     UChar32 second = 0;
     U16_NEXT(text.data(), at, static_cast<int32_t>(text.size()), first);
     U16_NEXT(text.data(), at, static_cast<int32_t>(text.size()), second);
-    if (starters_.empty() || starters_.back().first != first || starters_.back().second != second) {
-      starters_.push_back({first, second, k, k});
-    }
-    starters_.back().end = k + 1;
+    auto& range = starters_.try_emplace(starter_key(first, second), k, k).first->second;
+    range.second = k + 1;
     if (second <= 0xFFFF)
       followers_[static_cast<std::size_t>(second) >> 6] |= 1ULL << (second & 63);
   }
-  std::sort(starters_.begin(), starters_.end(), [](const starter& a, const starter& b) {
-    return std::make_pair(a.first, a.second) < std::make_pair(b.first, b.second);
-  });
 }
 
 fold_table::~fold_table() {
@@ -104,14 +109,9 @@ fold_table::~fold_table() {
 
 std::pair<const contraction_fold*, const contraction_fold*> fold_table::contractions_of(
     UChar32 first, UChar32 second) const {
-  const auto it =
-      std::lower_bound(starters_.begin(), starters_.end(), std::make_pair(first, second),
-                       [](const starter& s, std::pair<UChar32, UChar32> c) {
-                         return std::make_pair(s.first, s.second) < c;
-                       });
-  if (it == starters_.end() || it->first != first || it->second != second)
-    return {nullptr, nullptr};
-  return {contractions_begin() + it->begin, contractions_begin() + it->end};
+  const auto found = starters_.find(starter_key(first, second));
+  if (found == starters_.end()) return {nullptr, nullptr};
+  return {contractions_begin() + found->second.first, contractions_begin() + found->second.second};
 }
 
 namespace {

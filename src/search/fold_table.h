@@ -10,6 +10,7 @@
 #include <mutex>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -172,15 +173,9 @@ class fold_table {
   const UNormalizer2* nfc_ = nullptr;
   std::uint32_t latin_[latin_limit] = {};
   // For each code point that starts contractions, where they are.
-  // The contractions that start with two code points, a range of them;
-  // sorted by the code points.
-  struct starter {
-    UChar32 first;
-    UChar32 second;
-    std::uint32_t begin;
-    std::uint32_t end;
-  };
-  std::vector<starter> starters_;
+  // The contractions that start with two code points, a range of them, by
+  // the code points (first << 21 | second).
+  std::unordered_map<std::uint64_t, std::pair<std::uint32_t, std::uint32_t>> starters_;
   std::vector<std::uint64_t> followers_ = std::vector<std::uint64_t>(0x10000 / 64);  // BMP bits
   mutable std::once_flag derived_once_[static_cast<std::size_t>(slot::count)];
   mutable std::shared_ptr<const void> derived_[static_cast<std::size_t>(slot::count)];

@@ -164,7 +164,9 @@ class folder {
       longest = first;
       longest_end = in_text;
     }
-    while (first != last && in_text < size_ && length + 2 <= units.size()) {
+    // (A range of the whole contraction alone goes no further.)
+    while (first != last && !(last - first == 1 && longest == first) && in_text < size_ &&
+           length + 2 <= units.size()) {
       const std::size_t matched = length;  // the units every contraction in range has
       append(next_code_point(text_, in_text, size_));
       const std::u16string_view next(units.data() + matched, length - matched);

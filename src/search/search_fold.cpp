@@ -73,10 +73,10 @@ std::vector<detail::map_stretch> stretches(const detail::folded_text& folded,
 prepared_text search_fold(std::u16string_view text) { return search_fold(text, search_options{}); }
 
 prepared_text search_fold(std::u16string_view text, const search_options& options) {
-  detail::search_settings::validate(options);
+  const detail::search_locale& locale = detail::search_settings::validate(options);
   detail::folded_text folded;
-  detail::fold_text(detail::search_settings::text_table(options), text.data(),
-                    detail::icu_length(text.size()), false, folded);
+  detail::fold_text(locale.collation->table(detail::search_settings::text_fold(options)),
+                    text.data(), detail::icu_length(text.size()), false, folded);
   return detail::prepared_text_builder::assemble(std::u16string(folded.text()), text.size(),
                                                  stretches(folded, text));
 }

@@ -66,11 +66,12 @@ struct compiled_query {
 
 // A new program for `options`, searching a query of `syntax`.
 std::shared_ptr<detail::search_program> new_program(query_syntax syntax,
-                                                    const search_options& options) {
+                                                    const search_options& options,
+                                                    const detail::search_locale& locale) {
   auto program = std::make_shared<detail::search_program>();
   program->syntax = syntax;
   program->options = options;
-  program->settings = detail::search_settings::of(options, syntax);
+  program->settings = detail::search_settings::of(options, syntax, locale);
   return program;
 }
 
@@ -171,7 +172,7 @@ void make_literal(detail::search_program& program, std::u16string_view query) {
       // (ICU takes escaped characters; were it not so, they would be found
       // as they are.)
       detail::search_settings regex =
-          detail::search_settings::of(program.options, query_syntax::regex);
+          detail::search_settings::of(program.options, query_syntax::regex, *settings.locale);
       std::swap(settings, regex);
       detail::folded_pattern folded;
       if (!fold_regex(program, escaped(query), folded)) {
@@ -186,8 +187,9 @@ void make_literal(detail::search_program& program, std::u16string_view query) {
   }
 }
 
-compiled_query compile_literal(std::u16string_view query, const search_options& options) {
-  auto program = new_program(query_syntax::literal, options);
+compiled_query compile_literal(std::u16string_view query, const search_options& options,
+                               const detail::search_locale& locale) {
+  auto program = new_program(query_syntax::literal, options, locale);
   make_literal(*program, query);
   return compiled_query{std::move(program), std::nullopt, npos};
 }
@@ -195,20 +197,21 @@ compiled_query compile_literal(std::u16string_view query, const search_options& 
 // A regex query: ICU must compile it as it stands (so that its errors are
 // ICU's, at ICU's offsets), then its fold, which ICU runs on folded text.
 // "." matches line ends, as everywhere in the library.
-compiled_query compile_regex(std::u16string_view query, const search_options& options) {
+compiled_query compile_regex(std::u16string_view query, const search_options& options,
+                             const detail::search_locale& locale) {
   const detail::compiled_pattern as_written = detail::compile_prepared(query, 0);
   if (!as_written) {
     return compiled_query{nullptr, as_written.error(),
                           error_offset(std::u16string(query), as_written)};
   }
-  auto program = new_program(query_syntax::regex, options);
+  auto program = new_program(query_syntax::regex, options, locale);
   detail::folded_pattern folded;
   if (const std::optional<pattern_failure> failure = fold_regex(*program, query, folded)) {
     return compiled_query{nullptr, failure->error, failure->offset};
   }
   if (folded.literal && options.diacritics == diacritics_rule::match_typed) {
     // Searched as the literal query it is, whose accents are checked after.
-    program->settings = detail::search_settings::of(options, query_syntax::literal);
+    program->settings = detail::search_settings::of(options, query_syntax::literal, locale);
     make_literal(*program, folded.literal_text);
   } else if (folded.literal) {
     program->query = folded.literal_fold;
@@ -220,9 +223,9 @@ compiled_query compile_regex(std::u16string_view query, const search_options& op
 // throw.
 compiled_query compile_query(std::u16string_view query, query_syntax syntax,
                              const search_options& options) {
-  detail::search_settings::validate(options);
-  return syntax == query_syntax::regex ? compile_regex(query, options)
-                                       : compile_literal(query, options);
+  const detail::search_locale& locale = detail::search_settings::validate(options);
+  return syntax == query_syntax::regex ? compile_regex(query, options, locale)
+                                       : compile_literal(query, options, locale);
 }
 
 std::shared_ptr<const detail::search_program> compile(std::u16string_view query,

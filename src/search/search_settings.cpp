@@ -6,16 +6,25 @@
 
 namespace scl::regex::detail {
 
-std::optional<search_settings::options_error> search_settings::check(
-    const search_options& options) {
-  switch (options.diacritics) {
+namespace {
+
+bool known(diacritics_rule rule) {
+  switch (rule) {
     case diacritics_rule::ignore:
     case diacritics_rule::match:
     case diacritics_rule::match_typed:
-      break;
-    default:
-      return options_error{regex_exception(U_ILLEGAL_ARGUMENT_ERROR),
-                           "search_options::diacritics is not a diacritics_rule"};
+      return true;
+  }
+  return false;
+}
+
+}  // namespace
+
+std::optional<search_settings::options_error> search_settings::check(
+    const search_options& options) {
+  if (!known(options.diacritics)) {
+    return options_error{regex_exception(U_ILLEGAL_ARGUMENT_ERROR),
+                         "search_options::diacritics is not a diacritics_rule"};
   }
   try {
     fold_collation::resolve(options.locale);
@@ -27,8 +36,9 @@ std::optional<search_settings::options_error> search_settings::check(
   return std::nullopt;
 }
 
-void search_settings::validate(const search_options& options) {
-  if (const std::optional<options_error> wrong = check(options)) throw wrong->error;
+const search_locale& search_settings::validate(const search_options& options) {
+  if (!known(options.diacritics)) throw regex_exception(U_ILLEGAL_ARGUMENT_ERROR);
+  return fold_collation::resolve(options.locale);  // throws check()'s error
 }
 
 fold_variant search_settings::text_fold(const search_options& options) {
@@ -36,13 +46,10 @@ fold_variant search_settings::text_fold(const search_options& options) {
                       options.ignore_punctuation};
 }
 
-const fold_table& search_settings::text_table(const search_options& options) {
-  return fold_collation::of(options.locale).table(text_fold(options));
-}
-
-search_settings search_settings::of(const search_options& options, query_syntax syntax) {
+search_settings search_settings::of(const search_options& options, query_syntax syntax,
+                                    const search_locale& locale) {
   search_settings settings;
-  settings.locale = &fold_collation::resolve(options.locale);
+  settings.locale = &locale;
   settings.fold = text_fold(options);
   settings.whole_words = options.whole_words;
   if (options.diacritics == diacritics_rule::match_typed && syntax == query_syntax::literal) {

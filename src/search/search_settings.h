@@ -33,17 +33,19 @@ struct search_settings {
   static std::optional<options_error> check(const search_options& options);
   // Throws the error check() gives, if any: regex_exception with
   // U_ILLEGAL_ARGUMENT_ERROR for a value out of range or an ill-formed locale
-  // tag, ICU's code if ICU cannot open the locale's collator.
-  static void validate(const search_options& options);
+  // tag, ICU's code if ICU cannot open the locale's collator. Returns the
+  // locale.
+  static const search_locale& validate(const search_options& options);
 
-  // The settings for a query of `syntax`. A literal query with diacritics
-  // matched where typed is searched without accents and checked with them;
-  // a regex query is searched with accents (pattern_fold.h).
-  static search_settings of(const search_options& options, query_syntax syntax);
+  // The settings for a query of `syntax` in `locale`, the options' locale. A
+  // literal query with diacritics matched where typed is searched without
+  // accents and checked with them; a regex query is searched with accents
+  // (pattern_fold.h).
+  static search_settings of(const search_options& options, query_syntax syntax,
+                            const search_locale& locale);
 
   // The fold search_fold gives: the one a regex query searches.
   static fold_variant text_fold(const search_options& options);
-  static const fold_table& text_table(const search_options& options);
 };
 
 }  // namespace scl::regex::detail
