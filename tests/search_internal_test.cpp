@@ -45,16 +45,19 @@ bool same_composites(const std::vector<detail::composite_unit>& a,
 // Expects the lists computed at build time to be those of `image`.
 void expect_lists(const detail::fold_tables_image& image,
                   const detail::fold_table_data::collation_lists& lists) {
-  ASSERT_EQ(image.prevowel_pairs.size(), lists.prevowel_pair_count);
+  ASSERT_EQ(image.prevowel_pairs.size(), lists.characters.prevowel_pair_count);
   for (std::size_t i = 0; i < image.prevowel_pairs.size(); ++i) {
-    EXPECT_EQ(image.prevowel_pairs[i].first, lists.prevowel_pairs[i].first);
-    EXPECT_EQ(image.prevowel_pairs[i].second, lists.prevowel_pairs[i].second);
+    EXPECT_EQ(image.prevowel_pairs[i].first, lists.characters.prevowel_pairs[i].first);
+    EXPECT_EQ(image.prevowel_pairs[i].second, lists.characters.prevowel_pairs[i].second);
   }
-  EXPECT_EQ(image.dropped_starts, as_vector(lists.dropped_starts, lists.dropped_start_count));
-  EXPECT_EQ(image.variable_ends, as_vector(lists.variable_ends, lists.variable_end_count));
+  EXPECT_EQ(image.dropped_starts,
+            as_vector(lists.characters.dropped_starts, lists.characters.dropped_start_count));
+  EXPECT_EQ(image.variable_ends,
+            as_vector(lists.characters.variable_ends, lists.characters.variable_end_count));
   for (std::size_t c = 0; c < 2; ++c) {
-    EXPECT_TRUE(same_composites(image.composites[c],
-                                as_vector(lists.composites[c], lists.composite_count[c])));
+    EXPECT_TRUE(same_composites(
+        image.composites[c],
+        as_vector(lists.characters.composites[c], lists.characters.composite_count[c])));
   }
   for (std::size_t t = 0; t < image.contractions.size(); ++t) {
     EXPECT_EQ(
@@ -207,14 +210,15 @@ TEST_P(LanguageTable, IsWhatTheRunningIcuBuilds) {
     if (variant.accents) {
       const std::size_t c = variant.case_level ? 1 : 0;
       EXPECT_TRUE(same_composites(image.composites[c],
-                                  as_vector(stored->changes->lists.composites[c],
-                                            stored->changes->lists.composite_count[c])));
+                                  as_vector(stored->changes->lists.characters.composites[c],
+                                            stored->changes->lists.characters.composite_count[c])));
     }
-    EXPECT_EQ(image.dropped_starts, as_vector(stored->changes->lists.dropped_starts,
-                                              stored->changes->lists.dropped_start_count));
-    EXPECT_EQ(image.variable_ends, as_vector(stored->changes->lists.variable_ends,
-                                             stored->changes->lists.variable_end_count));
-    ASSERT_EQ(image.prevowel_pairs.size(), stored->changes->lists.prevowel_pair_count);
+    EXPECT_EQ(image.dropped_starts,
+              as_vector(stored->changes->lists.characters.dropped_starts,
+                        stored->changes->lists.characters.dropped_start_count));
+    EXPECT_EQ(image.variable_ends, as_vector(stored->changes->lists.characters.variable_ends,
+                                             stored->changes->lists.characters.variable_end_count));
+    ASSERT_EQ(image.prevowel_pairs.size(), stored->changes->lists.characters.prevowel_pair_count);
   }
 }
 

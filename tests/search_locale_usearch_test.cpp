@@ -26,17 +26,24 @@ void PrintTo(const locale_case& c, std::ostream* out) {
   *out << c.locale << (c.toggles ? " with every toggle" : "");
 }
 
-class EachLocale : public testing::TestWithParam<locale_case> {};
-
-TEST_P(EachLocale, FindsWhatUsearchFindsWithTheLocalesCollator) {
+// The options of `locale`, with every toggle of a search box on if `toggles`
+// (diacritics matched where typed).
+re::search_options options_of(const std::string& locale, bool toggles) {
   re::search_options options;
-  options.locale = GetParam().locale;
-  if (GetParam().toggles) {
+  options.locale = locale;
+  if (toggles) {
     options.match_case = true;
     options.diacritics = re::diacritics_rule::match_typed;
     options.whole_words = true;
     options.ignore_punctuation = true;
   }
+  return options;
+}
+
+class EachLocale : public testing::TestWithParam<locale_case> {};
+
+TEST_P(EachLocale, FindsWhatUsearchFindsWithTheLocalesCollator) {
+  const re::search_options options = options_of(GetParam().locale, GetParam().toggles);
   failure_log log;
   const differential_counts counts = run_differential(options, 20261126, 300, 4, log);
   std::printf("%s: %s\n", GetParam().locale.c_str(), counts.summary().c_str());
@@ -90,14 +97,7 @@ TEST(EveryLocale, FindsWhatUsearchFindsWithTheLocalesCollator) {
   for (const std::string& locale : locales) {
     for (const bool toggles : {false, true}) {
       SCOPED_TRACE(locale + (toggles ? " with every toggle" : ""));
-      re::search_options options;
-      options.locale = locale;
-      if (toggles) {
-        options.match_case = true;
-        options.diacritics = re::diacritics_rule::match_typed;
-        options.whole_words = true;
-        options.ignore_punctuation = true;
-      }
+      const re::search_options options = options_of(locale, toggles);
       failure_log log;
       const differential_counts counts = run_differential(options, 20261127, 40, 4, log);
       EXPECT_EQ(counts.disagreements, 0) << counts.summary();

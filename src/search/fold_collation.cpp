@@ -59,14 +59,14 @@ std::optional<std::string> locale_id(std::string_view locale) {
 }
 
 fold_table_lists lists_of(const fold_tables_image& image, std::size_t index) {
-  return {image.prevowel_pairs.data(),
-          image.prevowel_pairs.size(),
-          image.dropped_starts.data(),
-          image.dropped_starts.size(),
-          image.variable_ends.data(),
-          image.variable_ends.size(),
-          {image.composites[0].data(), image.composites[1].data()},
-          {image.composites[0].size(), image.composites[1].size()},
+  return {{image.prevowel_pairs.data(),
+           image.prevowel_pairs.size(),
+           image.dropped_starts.data(),
+           image.dropped_starts.size(),
+           image.variable_ends.data(),
+           image.variable_ends.size(),
+           {image.composites[0].data(), image.composites[1].data()},
+           {image.composites[0].size(), image.composites[1].size()}},
           image.contractions[index].data(),
           image.contractions[index].size()};
 }
@@ -205,16 +205,7 @@ void fold_collation::load(std::size_t index) const {
   if (lists != nullptr) {
     std::vector<contraction_fold>& contractions = image.contractions[index];
     contractions = stored_contractions(lists->contractions[index], lists->contractions_size[index]);
-    lists_[index] = {lists->prevowel_pairs,
-                     lists->prevowel_pair_count,
-                     lists->dropped_starts,
-                     lists->dropped_start_count,
-                     lists->variable_ends,
-                     lists->variable_end_count,
-                     {lists->composites[0], lists->composites[1]},
-                     {lists->composite_count[0], lists->composite_count[1]},
-                     contractions.data(),
-                     contractions.size()};
+    lists_[index] = {lists->characters, contractions.data(), contractions.size()};
   }
   UErrorCode status = U_ZERO_ERROR;
   auto table = std::make_unique<fold_table>(*this, fold_variant::at(static_cast<int>(index)), from,

@@ -152,8 +152,8 @@ void fold_table::append_fold(UChar32 c, std::u16string& out) const {
 }
 
 bool fold_table::contracts(UChar32 prevowel, UChar32 next) const {
-  const code_point_pair* pairs = lists_->prevowel_pairs;
-  const code_point_pair* end = pairs + lists_->prevowel_pair_count;
+  const code_point_pair* pairs = lists_->characters.prevowel_pairs;
+  const code_point_pair* end = pairs + lists_->characters.prevowel_pair_count;
   const code_point_pair* it = std::lower_bound(
       pairs, end, prevowel,
       [](const code_point_pair& p, UChar32 c) { return static_cast<UChar32>(p.first) < c; });
@@ -164,26 +164,26 @@ bool fold_table::contracts(UChar32 prevowel, UChar32 next) const {
 }
 
 bool fold_table::dropped_start(UChar32 c) const {
-  return listed(lists_->dropped_starts, lists_->dropped_start_count, c);
+  return listed(lists_->characters.dropped_starts, lists_->characters.dropped_start_count, c);
 }
 
 bool fold_table::variable_end(UChar32 c) const {
-  return listed(lists_->variable_ends, lists_->variable_end_count, c);
+  return listed(lists_->characters.variable_ends, lists_->characters.variable_end_count, c);
 }
 
 const composite_unit* fold_table::composites_begin() const {
-  return lists_->composites[variant_.case_level ? 1 : 0];
+  return lists_->characters.composites[variant_.case_level ? 1 : 0];
 }
 
 const composite_unit* fold_table::composites_end() const {
   const int list = variant_.case_level ? 1 : 0;
-  return lists_->composites[list] + lists_->composite_count[list];
+  return lists_->characters.composites[list] + lists_->characters.composite_count[list];
 }
 
 const composite_unit* fold_table::composite(UChar32 unit) const {
   const int list = variant_.case_level ? 1 : 0;
-  const composite_unit* begin = lists_->composites[list];
-  const composite_unit* end = begin + lists_->composite_count[list];
+  const composite_unit* begin = lists_->characters.composites[list];
+  const composite_unit* end = begin + lists_->characters.composite_count[list];
   const composite_unit* it = std::lower_bound(
       begin, end, unit,
       [](const composite_unit& u, UChar32 c) { return static_cast<UChar32>(u.unit) < c; });

@@ -25,16 +25,9 @@ namespace scl::regex::detail {
 
 class fold_collation;
 
-// What the tables of all variants share (see fold_tables_image).
+// A table's lists: those all variants share, and its contractions.
 struct fold_table_lists {
-  const code_point_pair* prevowel_pairs;
-  std::size_t prevowel_pair_count;
-  const char32_t* dropped_starts;
-  std::size_t dropped_start_count;
-  const char32_t* variable_ends;
-  std::size_t variable_end_count;
-  const composite_unit* composites[2];  // without case, with case
-  std::size_t composite_count[2];
+  character_lists characters;
   const contraction_fold* contractions;  // a tailored collator's, sorted by text
   std::size_t contraction_count;
 };

@@ -22,16 +22,9 @@ struct table {
   std::size_t pool_size;
 };
 
-// What a collation's tables share.
+// A collation's lists.
 struct collation_lists {
-  const code_point_pair* prevowel_pairs;
-  std::size_t prevowel_pair_count;
-  const char32_t* dropped_starts;
-  std::size_t dropped_start_count;
-  const char32_t* variable_ends;
-  std::size_t variable_end_count;
-  const composite_unit* composites[2];  // the accent tables' without case, with case
-  std::size_t composite_count[2];
+  character_lists characters;
   // Each table's contractions, sorted by text, as stored_contractions
   // (fold_table_build.h) writes them.
   const char16_t* contractions[fold_variant::count];

@@ -90,10 +90,10 @@ std::string write_lists(std::ostream& out, const std::string& name,
   }
 
   std::ostringstream lists;
-  lists << "{prevowel_pairs_" << name << ", " << image.prevowel_pairs.size() << ", dropped_starts_"
+  lists << "{{prevowel_pairs_" << name << ", " << image.prevowel_pairs.size() << ", dropped_starts_"
         << name << ", " << image.dropped_starts.size() << ", variable_ends_" << name << ", "
         << image.variable_ends.size() << ", {composites_" << name << "_0, composites_" << name
-        << "_1}, {" << image.composites[0].size() << ", " << image.composites[1].size() << "}, {";
+        << "_1}, {" << image.composites[0].size() << ", " << image.composites[1].size() << "}}, {";
   for (std::size_t t = 0; t < count; ++t) {
     lists << (t != 0 ? ", " : "") << "contractions_" << name << '_' << t;
   }

@@ -70,6 +70,19 @@ struct composite_unit {
   std::uint32_t common_secondary;    // bit i: element i has the common secondary weight
 };
 
+// The characters a collation's fold tables read apart, the same for every
+// variant (fold_tables_image says what each list holds).
+struct character_lists {
+  const code_point_pair* prevowel_pairs;
+  std::size_t prevowel_pair_count;
+  const char32_t* dropped_starts;
+  std::size_t dropped_start_count;
+  const char32_t* variable_ends;
+  std::size_t variable_end_count;
+  const composite_unit* composites[2];  // the accent tables' without case, with case
+  std::size_t composite_count[2];
+};
+
 // A contraction of a tailored collator (code points that its collation
 // elements read as one, Danish "aa"), in NFC, with its fold.
 struct contraction_fold {
