@@ -575,6 +575,35 @@ void icu_french_regex_find_all(benchmark::State& state) {
 
 // The literal query as a regex, quoted: against the literal form
 // (lib/fold_find_all/creme/french/1M).
+// A regex query whose only match is in the first KiB of the 1 MiB of French:
+// found_in, against find_all on the same text (which folds all of it).
+const std::u16string& french_with_early_match() {
+  return bench::remember<std::u16string>("fold-early-match", [] {
+    std::u16string text = french_text(kUnits);
+    text.insert(500, u" Zandvoort ");
+    text.resize(kUnits);
+    return text;
+  });
+}
+
+const std::u16string kZandvoortRegex = u"z[a\u00e4]ndvoort\\w*";
+
+void lib_regex_found_in_early(benchmark::State& state) {
+  const re::search_pattern pattern(kZandvoortRegex, re::query_syntax::regex);
+  const std::u16string& text = french_with_early_match();
+  if (pattern.find_all(text).size() != 1) {
+    state.SkipWithError("the regex does not match once in the text");
+    return;
+  }
+  for (auto _ : state) benchmark::DoNotOptimize(pattern.found_in(text));
+  state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(text.size() * 2));
+}
+
+void lib_regex_find_all_early(benchmark::State& state) {
+  const re::search_pattern pattern(kZandvoortRegex, re::query_syntax::regex);
+  time_find_all(state, pattern, french_with_early_match());
+}
+
 void lib_french_quoted_find_all(benchmark::State& state) {
   const std::u16string& text = french_text(kUnits);
   const re::search_pattern pattern(u"\\Q" + kCreme + u"\\E", re::query_syntax::regex);
@@ -625,6 +654,10 @@ void icu_regex_compile(benchmark::State& state, const std::u16string& query) {
                                lib_french_regex_find_all);
   benchmark::RegisterBenchmark("icu/fold_regex_find_all/cr[e\u00e8]me\\w*/french/1M",
                                icu_french_regex_find_all);
+  benchmark::RegisterBenchmark("lib/fold_regex_found_in/early-match/french/1M",
+                               lib_regex_found_in_early);
+  benchmark::RegisterBenchmark("lib/fold_regex_find_all/early-match/french/1M",
+                               lib_regex_find_all_early);
   benchmark::RegisterBenchmark("lib/fold_quoted_find_all/creme/french/1M",
                                lib_french_quoted_find_all);
   for (const option_case& option : option_cases()) {
