@@ -295,6 +295,65 @@ TEST(LongText, StretchEdgesChangeNothing) {
   }
 }
 
+// A regex query's first match is searched for in the start of the text as it
+// is folded (4 Ki units, then twice as many each time, while that is an
+// eighth of the text at most), and taken where ICU's engine did not read to
+// the end of what is folded. Whatever falls across those edges, find_first
+// and found_in give what find_all gives first.
+TEST(LongText, RegexFirstMatchIsTheSameAcrossStretchEdges) {
+  const std::u16string tail =
+      u" cre\u0300me\u0316s e\u0301\u0316\u0300 \u0141\u00f3d\u017a \u00dfs \u0e40\u0e01 "
+      u"\U0001F469\u200D\U0001F4BB x\u00ADy z\u0F72\u0F71 ab.";
+  const std::vector<std::u16string> queries = {
+      u"cr[e\u00e8]me\\w*", u"e",        u"\u00e9",       u"lodz|ss",  u"(?<=x)y",
+      u"y(?= z)",           u"\\bab\\b", u"(e)(\u0301)?", u"s+",       u"\\w\\.",
+      u"\U0001F469",        u"(?=ab)",   u"ab\\.$",       u"q|\u0e01", u"nowhere"};
+  // What follows matches none of the queries: the text is long enough for
+  // the start to be searched at the edge.
+  const std::u16string filler(40000, u'~');
+  for (const std::u16string& query : queries) {
+    SCOPED_TRACE(std::string(query.begin(), query.end()));
+    const re::search_pattern pattern(query, re::query_syntax::regex);
+    // The first edge, at every offset of the tail; the second, at some.
+    for (const std::size_t edge : {std::size_t{4096}, std::size_t{4096 + 8192}}) {
+      const std::u16string pad = edge > 4096 ? filler + filler + filler : filler;
+      const std::size_t step = edge > 4096 ? 7 : 1;
+      for (std::size_t prefix = edge - tail.size() - 1; prefix <= edge + 1; prefix += step) {
+        const std::u16string text = std::u16string(prefix, u'x') + u"-" + tail + pad;
+        const std::vector<re::source_match> all = pattern.find_all(text);
+        const std::optional<re::source_match> first = pattern.find_first(text);
+        ASSERT_EQ(first.has_value(), !all.empty()) << "prefix " << prefix;
+        EXPECT_EQ(pattern.found_in(text), !all.empty()) << "prefix " << prefix;
+        if (first) {
+          ASSERT_EQ(first->start, all[0].start) << "prefix " << prefix;
+          ASSERT_EQ(first->end, all[0].end) << "prefix " << prefix;
+          ASSERT_EQ(first->groups, all[0].groups) << "prefix " << prefix;
+        }
+      }
+    }
+  }
+}
+
+TEST(LongText, RegexFirstMatchIsFoundFarInAndInUtf8) {
+  const std::u16string text =
+      std::u16string(300000, u'a') + u" Cr\u00e8me " + std::u16string(100000, u'b') + u" CREME";
+  const re::search_pattern pattern(u"cr[e\u00e8]me", re::query_syntax::regex);
+  ASSERT_TRUE(pattern.find_first(text).has_value());
+  EXPECT_EQ(pattern.find_first(text)->start, 300001U);
+  EXPECT_TRUE(pattern.found_in(text));
+  EXPECT_FALSE(re::search_pattern(u"cremes", re::query_syntax::regex).found_in(text));
+  // Early, in UTF-8: the same first match, in bytes.
+  const std::string utf8 = std::string(5000, 'a') + " Cr\xC3\xA8me" + std::string(60000, 'b');
+  const std::optional<re::source_match> first = pattern.find_first(std::string_view(utf8));
+  ASSERT_TRUE(first.has_value());
+  EXPECT_EQ(first->start, 5001U);
+  EXPECT_EQ(first->end, 5007U);
+  // The end anchor needs the whole text.
+  const re::search_pattern at_end(u"b$", re::query_syntax::regex);
+  ASSERT_TRUE(at_end.find_first(std::string_view(utf8)).has_value());
+  EXPECT_EQ(at_end.find_first(std::string_view(utf8))->start, utf8.size() - 1);
+}
+
 TEST(LongText, FindFirstAndFoundInSeeMatchesFarIn) {
   const std::u16string text =
       std::u16string(300000, u'a') + u" Cr\u00e8me " + std::u16string(100000, u'b') + u" CREME";

@@ -42,8 +42,6 @@ namespace {
 
 constexpr UChar32 middle_dot = 0xB7;
 constexpr int32_t longest_fold = 32;  // units; the longest fold has 18
-// Source units folded between two looks at the clock.
-constexpr int32_t chunk = 1 << 16;
 
 bool is_l(UChar32 c) { return c == u'l' || c == u'L'; }
 
@@ -75,15 +73,17 @@ class folder {
     out_.reserve_more(size + size / 2 + longest_fold);
   }
 
-  void run(bool watch_time, const chunk_observer& after_chunk) {
+  void run(bool watch_time, const chunk_observer& after_chunk, int32_t first_stretch) {
     int32_t at = 0;
+    int32_t stretch = std::max<int32_t>(1, std::min(first_stretch, fold_stretch));
     while (at < size_) {
       if (watch_time) {
         UErrorCode status = U_ZERO_ERROR;
         check_deadline(status);
         if (U_FAILURE(status)) throw regex_exception(status);
       }
-      const int32_t end = size_ - at > chunk ? at + chunk : size_;
+      const int32_t end = size_ - at > stretch ? at + stretch : size_;
+      stretch = std::min(stretch * 2, fold_stretch);
       while (at < end) {
         const int32_t stop = fold_run(at, end, true);
         at = stop < end ? normalise_segment(stop) : stop;
@@ -664,13 +664,13 @@ class folder {
 }  // namespace
 
 void fold_text(const fold_table& table, const char16_t* text, int32_t size, bool watch_time,
-               folded_text& out, const chunk_observer& after_chunk) {
-  folder<char16_t>(table, text, size, out).run(watch_time, after_chunk);
+               folded_text& out, const chunk_observer& after_chunk, int32_t first_stretch) {
+  folder<char16_t>(table, text, size, out).run(watch_time, after_chunk, first_stretch);
 }
 
 void fold_text(const fold_table& table, const char* text, int32_t size, bool watch_time,
-               folded_text& out, const chunk_observer& after_chunk) {
-  folder<char>(table, text, size, out).run(watch_time, after_chunk);
+               folded_text& out, const chunk_observer& after_chunk, int32_t first_stretch) {
+  folder<char>(table, text, size, out).run(watch_time, after_chunk, first_stretch);
 }
 
 }  // namespace scl::regex::detail

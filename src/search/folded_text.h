@@ -102,13 +102,20 @@ struct folded_text {
 // the last stretch); returning true stops the fold there.
 using chunk_observer = std::function<bool(int32_t final_units, bool last)>;
 
+// The source units folded between two looks at the clock and two calls of a
+// chunk_observer: this many, or from `first_stretch` on, twice as many each
+// time up to this many.
+constexpr int32_t fold_stretch = 1 << 16;
+
 // Folds `text` (UTF-16 or UTF-8, at most INT32_MAX units) into `out`, telling
 // `after_chunk` (if any) as it goes. With `watch_time`, stops at the calling
 // thread's match_time_limit by throwing regex_exception(U_REGEX_TIME_OUT).
 void fold_text(const fold_table& table, const char16_t* text, int32_t size, bool watch_time,
-               folded_text& out, const chunk_observer& after_chunk = {});
+               folded_text& out, const chunk_observer& after_chunk = {},
+               int32_t first_stretch = fold_stretch);
 void fold_text(const fold_table& table, const char* text, int32_t size, bool watch_time,
-               folded_text& out, const chunk_observer& after_chunk = {});
+               folded_text& out, const chunk_observer& after_chunk = {},
+               int32_t first_stretch = fold_stretch);
 
 }  // namespace scl::regex::detail
 

@@ -5,10 +5,13 @@
 #define SCL_REGEX_SRC_SEARCH_REGEX_SEARCH_H
 
 #include <cstddef>
+#include <cstdint>
+#include <memory>
 #include <string_view>
 #include <vector>
 
 #include <unicode/regex.h>
+#include <unicode/utext.h>
 
 #include "search/fold_runs.h"
 #include "search/fold_table.h"
@@ -43,6 +46,47 @@ struct typed_ending {
   int typed;
   bool after_letter = true;  // false: the pattern is `typed` accents alone
 };
+
+// Searches folded text for a folded pattern's matches, as find_regex below
+// says, in text that may be folded only in part so far: a search of the
+// start of a text can stop at its first match.
+template <class Unit>
+class regex_finder {
+ public:
+  regex_finder(const fold_table& table, const icu::RegexPattern& pattern,
+               std::u16string_view prefix, match_policy policy, const typed_ending* ending,
+               const Unit* source, folded_text& folded);
+  regex_finder(const regex_finder&) = delete;
+  regex_finder& operator=(const regex_finder&) = delete;
+  ~regex_finder();
+
+  // Appends to `out` the matches in the first `visible` folded units (those
+  // that no later text changes), or in all of them with `complete`, until
+  // `out` holds `limit`. Returns false where a match, or whether there is
+  // one, may depend on units after `visible` (ICU's engine read to their
+  // end): called again with more, it goes on from there. (Only until the
+  // first match: the engine's place after a match is not kept from call to
+  // call, so a search for more than one match is made complete.)
+  bool search(int32_t visible, bool complete, std::size_t limit, regex_matches& out);
+
+ private:
+  const fold_table& table_;
+  std::u16string_view prefix_;
+  match_policy policy_;
+  const typed_ending* ending_;
+  const Unit* source_;
+  folded_text& folded_;
+  std::unique_ptr<icu::RegexMatcher> matcher_;
+  UText text_ = UTEXT_INITIALIZER;
+  // Where the next search starts: with a prefix, every search starts where
+  // it occurs; without, a search after a match goes on as ICU goes on (past
+  // an empty match by one).
+  int64_t from_ = 0;
+  bool resume_ = false;
+};
+
+extern template class regex_finder<char16_t>;
+extern template class regex_finder<char>;
 
 // `policy` adds the rules of the search's options; `ending`, if any, is the
 // pattern's typed ending.

@@ -265,6 +265,10 @@ std::optional<pattern_error> check_query(std::u16string_view query, query_syntax
                                                       compiled.offset, offset)};
 }
 
+// The first stretch of text folded and searched for a regex query's first
+// match (regex_finder).
+constexpr int32_t first_regex_stretch = 1 << 12;
+
 // The thread's folded text, reused from search to search; a large one is
 // given back when the search ends.
 class scratch_text {
@@ -304,11 +308,31 @@ detail::regex_matches search(const detail::search_program* program,
           ? &detail::cluster_syntax::accents_of(table)
           : nullptr};
   if (program->query.units.empty()) {
-    // A regex may look anywhere: the whole text is folded first.
-    detail::fold_text(table, text.data(), size, true, folded);
-    detail::find_regex(table, *program->pattern, program->prefix, policy,
-                       program->ending ? &*program->ending : nullptr, text.data(), folded, limit,
-                       found);
+    const detail::typed_ending* ending = program->ending ? &*program->ending : nullptr;
+    if (limit != 1) {
+      // All matches: the whole text is folded first.
+      detail::fold_text(table, text.data(), size, true, folded);
+      detail::find_regex(table, *program->pattern, program->prefix, policy, ending, text.data(),
+                         folded, limit, found);
+      return found;
+    }
+    // The first match: searched in the start of the text as it is folded,
+    // in stretches from 4 Ki units on, twice as long each time, and found
+    // there unless ICU's engine read to the end of what is folded. Each
+    // search of a start reads it anew, so they stop at an eighth of the
+    // text: past that, the rest is folded and searched once.
+    detail::regex_finder<Unit> finder(table, *program->pattern, program->prefix, policy, ending,
+                                      text.data(), folded);
+    int32_t searched = 0;  // the units the last search of a start read
+    detail::fold_text(
+        table, text.data(), size, true, folded,
+        [&](int32_t final_units, bool last) {
+          if (last) return finder.search(folded.size, true, limit, found);
+          if (final_units > size / 8 || final_units < 2 * searched) return false;
+          searched = final_units;
+          return finder.search(final_units, false, limit, found);
+        },
+        first_regex_stretch);
     return found;
   }
   // The search follows the fold, so that it can stop at the first match. (One
