@@ -1,10 +1,11 @@
 // Computes the fold tables from the running ICU: a collator, its
 // normalisation data and its character break rules.
 //
-// The root collator's tables are computed at build time by fold_table_gen,
-// with this code, against the ICU the library links; the same code builds
+// The tables of the root collator and of ICU's search collations (the
+// root's and the languages') are computed at build time by fold_table_gen,
+// with this code, against the ICU the library links. The same code builds
 // them at run time when the ICU found then is not that one, and builds the
-// table of a tailored collator (a language's search rules) at its first use.
+// table of any other tailored collator ("de-u-co-phonebk") at its first use.
 #ifndef SCL_REGEX_SRC_SEARCH_FOLD_TABLE_BUILD_H
 #define SCL_REGEX_SRC_SEARCH_FOLD_TABLE_BUILD_H
 
