@@ -250,17 +250,21 @@ class folder {
         length = 2;
       }
       const std::uint32_t fold = table_.latin(static_cast<char16_t>(c));
-      if (fold == fold_table::latin_slow) break;
-      last_empty = fold == fold_table::latin_nothing;
-      if (last_empty) {
-        out_.empty_pieces.push_back(at);
-      } else {
+      if (fold <= 0xFFFF) {  // one unit, as nearly every character
         *units++ = static_cast<char16_t>(fold);
         *origin++ = at;
-        if (fold > 0xFFFF) {
-          *units++ = static_cast<char16_t>(fold >> 16);
-          *origin++ = at;
-        }
+        last_empty = false;
+      } else if (fold < fold_table::latin_slow) {
+        *units++ = static_cast<char16_t>(fold);
+        *origin++ = at;
+        *units++ = static_cast<char16_t>(fold >> 16);
+        *origin++ = at;
+        last_empty = false;
+      } else if (fold == fold_table::latin_nothing) {
+        out_.empty_pieces.push_back(at);
+        last_empty = true;
+      } else {
+        break;
       }
       last = c;
       at += length;

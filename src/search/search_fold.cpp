@@ -38,11 +38,15 @@ std::vector<detail::map_stretch> stretches(const detail::folded_text& folded,
       continue;
     }
     // A run of characters of one unit that fold to one unit: an aligned
-    // stretch, or more of the one before.
+    // stretch, or more of the one before. (Where the next unit of the fold
+    // comes from the next source unit, this one's source is one unit: a
+    // character of one unit, or a lone surrogate, which folds to itself and
+    // is left out as a surrogate of the fold.)
     std::size_t run = unit;
-    while (run + 1 < folded_size && folded.origin[run + 1] == folded.origin[run] + 1 &&
-           !U16_IS_SURROGATE(folded.units[run]) &&
-           !U16_IS_SURROGATE(source[static_cast<std::size_t>(folded.origin[run])])) {
+    const int32_t* origin = folded.origin.data();
+    const char16_t* units = folded.units.data();
+    while (run + 1 < folded_size && origin[run + 1] == origin[run] + 1 &&
+           !U16_IS_SURROGATE(units[run])) {
       ++run;
     }
     if (run > unit && (next_empty == empty.size() || empty[next_empty] > folded.origin[run])) {
