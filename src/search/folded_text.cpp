@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -12,6 +13,10 @@
 #include "scl/regex/exception.h"
 #include "search/code_points.h"
 #include "time_limit/deadline.h"
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
 
 namespace scl::regex::detail {
 
@@ -227,6 +232,50 @@ class folder {
     }
   }
 
+  // The unit at `at`, as a number.
+  UChar32 code_at(int32_t at) const { return static_cast<std::make_unsigned_t<Unit>>(text_[at]); }
+
+  // How many of the eight units at `text`, from the first, are below
+  // latin_limit (bytes below 0x80, in UTF-8).
+  static int32_t latin_units(const Unit* text) {
+    constexpr int32_t all = 8;
+    if constexpr (sizeof(Unit) == 1) {
+      std::uint64_t bytes = 0;
+      std::memcpy(&bytes, text, sizeof bytes);
+      const std::uint64_t high = bytes & 0x8080808080808080U;
+      if (high == 0) return all;
+#if defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
+      return static_cast<int32_t>(__builtin_ctzll(high) >> 3);
+#endif
+    } else {
+#if defined(__SSE2__)
+      const __m128i units = _mm_loadu_si128(reinterpret_cast<const __m128i*>(text));
+      const __m128i last = _mm_set1_epi16(static_cast<short>(fold_table::latin_limit - 1));
+      const __m128i over = _mm_subs_epu16(units, last);  // 0 where a unit is at most `last`
+      const auto below =
+          static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi16(over, _mm_setzero_si128())));
+      if (below == 0xFFFF) return all;
+      return static_cast<int32_t>(__builtin_ctz(~below) >> 1);
+#endif
+    }
+    constexpr unsigned limit = sizeof(Unit) == 1 ? 0x80 : fold_table::latin_limit;
+    int32_t count = 0;
+    while (count < all && static_cast<std::make_unsigned_t<Unit>>(text[count]) < limit) ++count;
+    return count;
+  }
+
+  // origin[0, 8) = at, at + 1, ...
+  static void store_origins(int32_t* origin, int32_t at) {
+#if defined(__SSE2__)
+    const __m128i first = _mm_add_epi32(_mm_set1_epi32(at), _mm_setr_epi32(0, 1, 2, 3));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(origin), first);
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(origin + 4),
+                     _mm_add_epi32(first, _mm_set1_epi32(4)));
+#else
+    for (int32_t k = 0; k < 8; ++k) origin[k] = at + k;
+#endif
+  }
+
   // Characters that the Latin table folds, as long as they come.
   int32_t fold_latin(int32_t at, int32_t end) {
     out_.reserve_more(2 * (end - at) + 2);
@@ -235,39 +284,93 @@ class folder {
     const int32_t first = at;
     UChar32 last = -1;
     bool last_empty = false;
-    while (at < end) {
-      UChar32 c = static_cast<unsigned char>(text_[at]);
-      int32_t length = 1;
-      if constexpr (sizeof(Unit) == 2) {
-        c = text_[at];
-        if (c >= fold_table::latin_limit) break;
-      } else if (c >= 0x80) {
-        // Two-byte sequences up to U+02FF: C2..CB, then a trail byte.
-        if (c < 0xC2 || c > 0xCB || at + 1 >= size_) break;
-        const auto trail = static_cast<unsigned char>(text_[at + 1]);
-        if ((trail & 0xC0) != 0x80) break;
-        c = (c & 0x1F) << 6 | (trail & 0x3F);
-        length = 2;
+    // Blocks of units that each fold to one unit (bytes below 0x80, in
+    // UTF-8), as nearly all of such text: folded, and kept up to the first
+    // unit that does not (the room is there either way). From there the
+    // characters go one at a time, until as many as a block in a row have
+    // folded to one unit each (in text with a space or an accent every few
+    // letters, blocks would keep failing).
+    constexpr int32_t block = 8;
+    bool slow = false;
+    while (at < end && !slow) {
+      while (end - at >= block) {
+        int32_t kept = latin_units(text_ + at);
+        if (kept == block) {
+          std::uint32_t folds = 0;
+          for (int32_t k = 0; k < block; ++k) {
+            const std::uint32_t fold = table_.latin(code_at(at + k));
+            units[k] = static_cast<char16_t>(fold);
+            folds |= fold;
+          }
+          if (folds > 0xFFFF) {
+            kept = 0;
+            while (table_.latin(code_at(at + kept)) <= 0xFFFF) ++kept;
+          }
+          store_origins(origin, at);
+        } else {
+          for (int32_t k = 0; k < kept; ++k) {
+            const std::uint32_t fold = table_.latin(code_at(at + k));
+            if (fold > 0xFFFF) {
+              kept = k;
+              break;
+            }
+            units[k] = static_cast<char16_t>(fold);
+            origin[k] = at + k;
+          }
+        }
+        units += kept;
+        origin += kept;
+        at += kept;
+        if (kept != 0) {
+          last = code_at(at - 1);
+          last_empty = false;
+        }
+        if (kept != block) break;
       }
-      const std::uint32_t fold = table_.latin(static_cast<char16_t>(c));
-      if (fold <= 0xFFFF) {  // one unit, as nearly every character
-        *units++ = static_cast<char16_t>(fold);
-        *origin++ = at;
-        last_empty = false;
-      } else if (fold < fold_table::latin_slow) {
-        *units++ = static_cast<char16_t>(fold);
-        *origin++ = at;
-        *units++ = static_cast<char16_t>(fold >> 16);
-        *origin++ = at;
-        last_empty = false;
-      } else if (fold == fold_table::latin_nothing) {
-        out_.empty_pieces.push_back(at);
-        last_empty = true;
-      } else {
-        break;
+      int32_t in_a_row = 0;  // characters just folded to one unit each
+      while (at < end && in_a_row < block) {
+        UChar32 c = code_at(at);
+        int32_t length = 1;
+        if constexpr (sizeof(Unit) == 2) {
+          if (c >= fold_table::latin_limit) {
+            slow = true;
+            break;
+          }
+        } else if (c >= 0x80) {
+          // Two-byte sequences up to U+02FF: C2..CB, then a trail byte.
+          const auto trail = at + 1 < size_ ? static_cast<unsigned char>(text_[at + 1]) : 0;
+          if (c < 0xC2 || c > 0xCB || (trail & 0xC0) != 0x80) {
+            slow = true;
+            break;
+          }
+          c = (c & 0x1F) << 6 | (trail & 0x3F);
+          length = 2;
+          in_a_row = -1;
+        }
+        const std::uint32_t fold = table_.latin(static_cast<char16_t>(c));
+        if (fold <= 0xFFFF) {  // one unit, as nearly every character
+          *units++ = static_cast<char16_t>(fold);
+          *origin++ = at;
+          last_empty = false;
+          ++in_a_row;
+        } else if (fold < fold_table::latin_slow) {
+          *units++ = static_cast<char16_t>(fold);
+          *origin++ = at;
+          *units++ = static_cast<char16_t>(fold >> 16);
+          *origin++ = at;
+          last_empty = false;
+          in_a_row = 0;
+        } else if (fold == fold_table::latin_nothing) {
+          out_.empty_pieces.push_back(at);
+          last_empty = true;
+          in_a_row = 0;
+        } else {
+          slow = true;
+          break;
+        }
+        last = c;
+        at += length;
       }
-      last = c;
-      at += length;
     }
     end_run(units, at > first, last, last_empty);
     return at;

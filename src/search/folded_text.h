@@ -97,6 +97,22 @@ struct folded_text {
   void trim();
 };
 
+// The calling thread's folded text, reused from fold to fold; a large one is
+// given back when the scratch_text that lent it goes. One at a time per
+// thread: a fold lends it for its own length and calls nothing that folds.
+class scratch_text {
+ public:
+  scratch_text() = default;
+  scratch_text(const scratch_text&) = delete;
+  scratch_text& operator=(const scratch_text&) = delete;
+  ~scratch_text() { text().trim(); }
+
+  folded_text& text() const {
+    thread_local folded_text folded;
+    return folded;
+  }
+};
+
 // Called after each stretch of text is folded, with the number of folded
 // units that stay as they are whatever follows (all of them, and `last`, after
 // the last stretch); returning true stops the fold there.

@@ -10,6 +10,7 @@
 #include "search/fold_table.h"
 #include "search/folded_text.h"
 #include "search/search_settings.h"
+#include "search/unit_scan.h"
 
 namespace scl::regex {
 
@@ -42,13 +43,8 @@ std::vector<detail::map_stretch> stretches(const detail::folded_text& folded,
     // comes from the next source unit, this one's source is one unit: a
     // character of one unit, or a lone surrogate, which folds to itself and
     // is left out as a surrogate of the fold.)
-    std::size_t run = unit;
-    const int32_t* origin = folded.origin.data();
-    const char16_t* units = folded.units.data();
-    while (run + 1 < folded_size && origin[run + 1] == origin[run] + 1 &&
-           !U16_IS_SURROGATE(units[run])) {
-      ++run;
-    }
+    const std::size_t run =
+        detail::aligned_run_end(folded.units.data(), folded.origin.data(), unit, folded_size - 1);
     if (run > unit && (next_empty == empty.size() || empty[next_empty] > folded.origin[run])) {
       if (map.empty() || !map.back().aligned) {
         map.push_back({unit, static_cast<std::size_t>(folded.origin[unit]), true});
@@ -78,7 +74,8 @@ prepared_text search_fold(std::u16string_view text) { return search_fold(text, s
 
 prepared_text search_fold(std::u16string_view text, const search_options& options) {
   const detail::search_locale& locale = detail::search_settings::validate(options);
-  detail::folded_text folded;
+  const detail::scratch_text scratch;
+  detail::folded_text& folded = scratch.text();
   detail::fold_text(locale.collation->table(detail::search_settings::text_fold(options)),
                     text.data(), detail::icu_length(text.size()), false, folded);
   return detail::prepared_text_builder::assemble(std::u16string(folded.text()), text.size(),

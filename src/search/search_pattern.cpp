@@ -269,21 +269,6 @@ std::optional<pattern_error> check_query(std::u16string_view query, query_syntax
 // match (regex_finder).
 constexpr int32_t first_regex_stretch = 1 << 12;
 
-// The thread's folded text, reused from search to search; a large one is
-// given back when the search ends.
-class scratch_text {
- public:
-  scratch_text() = default;
-  scratch_text(const scratch_text&) = delete;
-  scratch_text& operator=(const scratch_text&) = delete;
-  ~scratch_text() { text().trim(); }
-
-  static detail::folded_text& text() {
-    thread_local detail::folded_text folded;
-    return folded;
-  }
-};
-
 // The matches of `program` in `text`, at most `limit` of them.
 template <class Unit>
 detail::regex_matches search(const detail::search_program* program,
@@ -296,8 +281,8 @@ detail::regex_matches search(const detail::search_program* program,
   if (U_FAILURE(status)) throw regex_exception(status);
   const detail::search_settings& settings = program->settings;
   const detail::fold_table& table = settings.table(settings.fold);
-  const scratch_text scratch;
-  detail::folded_text& folded = scratch_text::text();
+  const detail::scratch_text scratch;
+  detail::folded_text& folded = scratch.text();
   const int32_t size = detail::icu_length(text.size());
   std::optional<detail::word_breaks> words;
   if (settings.whole_words) words.emplace(text.data(), size, settings.locale->word_locale);

@@ -3,6 +3,7 @@
 #define SCL_REGEX_SRC_SEARCH_UNIT_SCAN_H
 
 #include <cstddef>
+#include <cstdint>
 #include <string_view>
 
 #if defined(__SSE2__)
@@ -61,6 +62,33 @@ inline const char16_t* find_surrogate(const char16_t* from, const char16_t* last
 #endif
   for (; from < last; ++from) {
     if ((*from & 0xF800) == 0xD800) return from;
+  }
+  return last;
+}
+
+// The first position p in [from, last) where unit p is a surrogate or
+// origin[p + 1] != origin[p] + 1 (origin[last] is read), or `last`: where a
+// run of units that each come from the next source unit ends.
+inline std::size_t aligned_run_end(const char16_t* units, const int32_t* origin, std::size_t from,
+                                   std::size_t last) {
+#if defined(__SSE2__)
+  const __m128i one = _mm_set1_epi32(1);
+  const __m128i mask = _mm_set1_epi16(static_cast<short>(0xF800));
+  const __m128i surrogate = _mm_set1_epi16(static_cast<short>(0xD800));
+  for (; from + 8 <= last; from += 8) {
+    const auto at = [&](std::size_t k) {
+      return _mm_loadu_si128(reinterpret_cast<const __m128i*>(origin + from + k));
+    };
+    const __m128i steps = _mm_packs_epi32(_mm_cmpeq_epi32(_mm_sub_epi32(at(1), at(0)), one),
+                                          _mm_cmpeq_epi32(_mm_sub_epi32(at(5), at(4)), one));
+    const __m128i here = _mm_loadu_si128(reinterpret_cast<const __m128i*>(units + from));
+    const __m128i bad = _mm_cmpeq_epi16(_mm_and_si128(here, mask), surrogate);
+    const auto good = static_cast<unsigned>(_mm_movemask_epi8(_mm_andnot_si128(bad, steps)));
+    if (good != 0xFFFF) return from + (__builtin_ctz(~good) >> 1);
+  }
+#endif
+  for (; from < last; ++from) {
+    if ((units[from] & 0xF800) == 0xD800 || origin[from + 1] != origin[from] + 1) return from;
   }
   return last;
 }
