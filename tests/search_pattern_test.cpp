@@ -10,6 +10,7 @@
 
 #include <scl/regex.h>
 
+#include "support/hex.h"
 #include "support/search_support.h"
 
 namespace {
@@ -330,6 +331,61 @@ TEST(LongText, RegexFirstMatchIsTheSameAcrossStretchEdges) {
           ASSERT_EQ(first->groups, all[0].groups) << "prefix " << prefix;
         }
       }
+    }
+  }
+}
+
+// Expects find_first and found_in to give what find_all gives first; returns
+// whether there is a match.
+template <class Text>
+bool expect_first_is_first_of_all(const re::search_pattern& pattern, Text text,
+                                  std::size_t prefix) {
+  const std::vector<re::source_match> all = pattern.find_all(text);
+  const std::optional<re::source_match> first = pattern.find_first(text);
+  EXPECT_EQ(first.has_value(), !all.empty()) << "prefix " << prefix;
+  EXPECT_EQ(pattern.found_in(text), !all.empty()) << "prefix " << prefix;
+  if (first && !all.empty()) {
+    EXPECT_EQ(first->start, all[0].start) << "prefix " << prefix;
+    EXPECT_EQ(first->end, all[0].end) << "prefix " << prefix;
+    EXPECT_EQ(first->groups, all[0].groups) << "prefix " << prefix;
+  }
+  return !all.empty();
+}
+
+// The same with each toggle and a language with contractions: whole words,
+// accents matched (and where typed), punctuation ignored, Danish "aa". The
+// tail puts accents, punctuation, a word boundary and a contraction on each
+// side of the edge in turn.
+TEST(LongText, RegexFirstMatchIsTheSameAcrossStretchEdgesWithEachOption) {
+  using scl_regex_test::options_with;
+  const std::u16string tail =
+      u" cre\u0300me\u0316s e\u0301\u0316\u0300, c.r.e.m.e \u00e9\u0301 Aarhus aa-a "
+      u"\u0141\u00f3d\u017a \u00e9t\u00e9 x\u00ADy ab.";
+  const std::vector<std::pair<re::search_options, std::vector<std::u16string>>> cases = {
+      {options_with(false, re::diacritics_rule::ignore, true),
+       {u"cr[e\u00e8]me\\w*", u"e", u"aarhus", u"ab\\.", u"(?:y|ab)"}},
+      {options_with(false, re::diacritics_rule::match),
+       {u"cr[e\u00e8]m", u"\u00e9t", u"\u00e9", u"[e\u00e9]\\W", u"lodz|\u0142"}},
+      {options_with(false, re::diacritics_rule::match_typed),
+       {u"cr\u00e8m", u"e", u"\u00e9", u"\u00e9t\u00e9", u"[e\u00e9]s"}},
+      {options_with(true, re::diacritics_rule::ignore, false, true),
+       {u"creme", u"c\\.?r", u"e\\w", u"Aa", u"x\\w"}},
+      {options_with(false, re::diacritics_rule::ignore, false, false, "da"),
+       {u"[\u00e5]rhus", u"a", u"aa", u"\u00e5-?a", u"a\\b"}},
+  };
+  const std::u16string filler(40000, u'~');
+  for (const auto& [options, queries] : cases) {
+    for (const std::u16string& query : queries) {
+      SCOPED_TRACE(scl_regex_test::hex(query) + " in " + options.locale);
+      const re::search_pattern pattern(query, re::query_syntax::regex, options);
+      bool matched = false;
+      for (std::size_t prefix = 4096 - tail.size() - 1; prefix <= 4096 + 1; ++prefix) {
+        const std::u16string text = std::u16string(prefix, u'x') + u"-" + tail + filler;
+        matched |= expect_first_is_first_of_all(pattern, std::u16string_view(text), prefix);
+        const std::string text8 = scl_regex_test::utf8(text);
+        expect_first_is_first_of_all(pattern, std::string_view(text8), prefix);
+      }
+      EXPECT_TRUE(matched) << "a query of the test that matches nothing";
     }
   }
 }

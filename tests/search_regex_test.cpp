@@ -16,10 +16,13 @@
 
 #include <scl/regex.h>
 
+#include "support/search_support.h"
+
 namespace {
 
 namespace re = scl::regex;
 using re::npos;
+using scl_regex_test::utf8;
 using ranges = std::vector<std::pair<std::size_t, std::size_t>>;
 
 constexpr re::query_syntax kRegex = re::query_syntax::regex;
@@ -48,12 +51,6 @@ void PrintTo(const example& e, std::ostream* os) {
 }
 
 class RegexExamples : public ::testing::TestWithParam<example> {};
-
-std::string utf8(std::u16string_view text) {
-  std::string out;
-  icu::UnicodeString(text.data(), static_cast<int32_t>(text.size())).toUTF8String(out);
-  return out;
-}
 
 // `bytes`, ranges of utf8(text), as UTF-16 offsets in `text`.
 ranges in_utf16(const ranges& bytes, std::u16string_view text) {
@@ -388,6 +385,48 @@ TEST_P(HangingRegexQuery, IsStoppedByTheTimeLimit) {
       EXPECT_EQ(e.getErrorCodeMnemonic(), "U_REGEX_TIME_OUT");
     }
     EXPECT_TRUE(limit.exceeded());
+  }
+}
+
+// A query keeps ICU's matcher from search to search: what one search leaves
+// in it (a match, groups, a place, a stop by the time limit) changes nothing
+// for the next, in either encoding.
+TEST(RegexQuery, EachSearchIsAsTheFirst) {
+  const std::u16string query = u"(?<w>\\p{L})(\\d)?\\b";
+  const re::search_pattern pattern = regex(query);
+  const std::vector<std::u16string> texts = {u"a1 b", u"", u"\u00e9", u"12 x3 y", u"z"};
+  std::vector<std::vector<re::source_match>> first_time;  // each by a query of its own
+  for (const std::u16string& text : texts) first_time.push_back(regex(query).find_all(text));
+  for (int round = 0; round < 3; ++round) {
+    for (std::size_t i = 0; i < texts.size(); ++i) {
+      const std::vector<re::source_match> all = pattern.find_all(texts[i]);
+      ASSERT_EQ(all.size(), first_time[i].size()) << i;
+      for (std::size_t m = 0; m < all.size(); ++m)
+        EXPECT_EQ(all[m].groups, first_time[i][m].groups);
+      EXPECT_EQ(pattern.found_in(utf8(texts[i])), !all.empty());
+      const std::optional<re::source_match> first = pattern.find_first(texts[i]);
+      ASSERT_EQ(first.has_value(), !all.empty());
+      if (first) {
+        EXPECT_EQ(first->groups, all[0].groups);
+      }
+    }
+  }
+}
+
+TEST(RegexQuery, SearchesWellAfterOneStoppedByTheTimeLimit) {
+  const re::search_pattern pattern(u"(a?)+?b", kRegex);
+  for (int round = 0; round < 3; ++round) {
+    {
+      re::match_time_limit limit(std::chrono::milliseconds(20));
+      EXPECT_THROW((void)pattern.found_in(u"aac"), re::regex_exception);
+    }
+    // (These could hang ICU too, past their first match: a limit that a
+    // search that works never meets.)
+    re::match_time_limit generous(std::chrono::seconds(20));
+    const std::optional<re::source_match> first = pattern.find_first(u"ab");
+    ASSERT_TRUE(first.has_value());
+    EXPECT_EQ(first->groups, ranges({{0, 2}, {0, 1}}));
+    EXPECT_TRUE(pattern.found_in(std::string_view("ab")));
   }
 }
 

@@ -59,7 +59,7 @@ int32_t typed_end(const folded_text& folded, const typed_ending& ending, int32_t
 }  // namespace
 
 template <class Unit>
-regex_finder<Unit>::regex_finder(const fold_table& table, const icu::RegexPattern& pattern,
+regex_finder<Unit>::regex_finder(const fold_table& table, const spare_matchers& matchers,
                                  std::u16string_view prefix, match_policy policy,
                                  const typed_ending* ending, const Unit* source,
                                  folded_text& folded)
@@ -69,11 +69,8 @@ regex_finder<Unit>::regex_finder(const fold_table& table, const icu::RegexPatter
       ending_(ending),
       source_(source),
       folded_(folded),
-      resume_(!prefix.empty()) {
-  UErrorCode status = U_ZERO_ERROR;
-  matcher_ = new_matcher(pattern, status);
-  throw_if_failed(status);
-}
+      matcher_(matchers.borrow()),
+      resume_(!prefix.empty()) {}
 
 template <class Unit>
 regex_finder<Unit>::~regex_finder() {
@@ -161,26 +158,25 @@ template class regex_finder<char>;
 namespace {
 
 template <class Unit>
-void find(const fold_table& table, const icu::RegexPattern& pattern, std::u16string_view prefix,
+void find(const fold_table& table, const spare_matchers& matchers, std::u16string_view prefix,
           match_policy policy, const typed_ending* ending, const Unit* source, folded_text& folded,
           std::size_t limit, regex_matches& out) {
-  regex_finder<Unit> finder(table, pattern, prefix, policy, ending, source, folded);
+  regex_finder<Unit> finder(table, matchers, prefix, policy, ending, source, folded);
   finder.search(folded.size, true, limit, out);
 }
 
 }  // namespace
 
-void find_regex(const fold_table& table, const icu::RegexPattern& pattern,
-                std::u16string_view prefix, match_policy policy, const typed_ending* ending,
-                const char16_t* source, folded_text& folded, std::size_t limit,
-                regex_matches& out) {
-  find(table, pattern, prefix, policy, ending, source, folded, limit, out);
+void find_regex(const fold_table& table, const spare_matchers& matchers, std::u16string_view prefix,
+                match_policy policy, const typed_ending* ending, const char16_t* source,
+                folded_text& folded, std::size_t limit, regex_matches& out) {
+  find(table, matchers, prefix, policy, ending, source, folded, limit, out);
 }
 
-void find_regex(const fold_table& table, const icu::RegexPattern& pattern,
-                std::u16string_view prefix, match_policy policy, const typed_ending* ending,
-                const char* source, folded_text& folded, std::size_t limit, regex_matches& out) {
-  find(table, pattern, prefix, policy, ending, source, folded, limit, out);
+void find_regex(const fold_table& table, const spare_matchers& matchers, std::u16string_view prefix,
+                match_policy policy, const typed_ending* ending, const char* source,
+                folded_text& folded, std::size_t limit, regex_matches& out) {
+  find(table, matchers, prefix, policy, ending, source, folded, limit, out);
 }
 
 }  // namespace scl::regex::detail

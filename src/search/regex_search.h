@@ -13,6 +13,7 @@
 #include <unicode/regex.h>
 #include <unicode/utext.h>
 
+#include "icu/spare_matchers.h"
 #include "search/fold_runs.h"
 #include "search/fold_table.h"
 #include "search/folded_text.h"
@@ -53,9 +54,9 @@ struct typed_ending {
 template <class Unit>
 class regex_finder {
  public:
-  regex_finder(const fold_table& table, const icu::RegexPattern& pattern,
-               std::u16string_view prefix, match_policy policy, const typed_ending* ending,
-               const Unit* source, folded_text& folded);
+  regex_finder(const fold_table& table, const spare_matchers& matchers, std::u16string_view prefix,
+               match_policy policy, const typed_ending* ending, const Unit* source,
+               folded_text& folded);
   regex_finder(const regex_finder&) = delete;
   regex_finder& operator=(const regex_finder&) = delete;
   ~regex_finder();
@@ -76,7 +77,7 @@ class regex_finder {
   const typed_ending* ending_;
   const Unit* source_;
   folded_text& folded_;
-  std::unique_ptr<icu::RegexMatcher> matcher_;
+  borrowed_matcher matcher_;
   UText text_ = UTEXT_INITIALIZER;
   // Where the next search starts: with a prefix, every search starts where
   // it occurs; without, a search after a match goes on as ICU goes on (past
@@ -90,12 +91,12 @@ extern template class regex_finder<char>;
 
 // `policy` adds the rules of the search's options; `ending`, if any, is the
 // pattern's typed ending.
-void find_regex(const fold_table& table, const icu::RegexPattern& pattern,
-                std::u16string_view prefix, match_policy policy, const typed_ending* ending,
-                const char16_t* source, folded_text& folded, std::size_t limit, regex_matches& out);
-void find_regex(const fold_table& table, const icu::RegexPattern& pattern,
-                std::u16string_view prefix, match_policy policy, const typed_ending* ending,
-                const char* source, folded_text& folded, std::size_t limit, regex_matches& out);
+void find_regex(const fold_table& table, const spare_matchers& matchers, std::u16string_view prefix,
+                match_policy policy, const typed_ending* ending, const char16_t* source,
+                folded_text& folded, std::size_t limit, regex_matches& out);
+void find_regex(const fold_table& table, const spare_matchers& matchers, std::u16string_view prefix,
+                match_policy policy, const typed_ending* ending, const char* source,
+                folded_text& folded, std::size_t limit, regex_matches& out);
 
 }  // namespace scl::regex::detail
 

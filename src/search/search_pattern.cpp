@@ -1,6 +1,7 @@
 #include "scl/regex/search_pattern.h"
 
 #include <algorithm>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -12,6 +13,7 @@
 #include "icu/compile.h"
 #include "icu/icu_string.h"
 #include "icu/replacement_template.h"
+#include "icu/spare_matchers.h"
 #include "search/cluster_syntax.h"
 #include "search/code_points.h"
 #include "search/fold_collation.h"
@@ -43,6 +45,7 @@ struct search_program {
   // A regex query: ICU's pattern for its fold, and the folded units that
   // start every match.
   shared_pattern pattern;
+  std::optional<spare_matchers> matchers;  // of `pattern`, kept from search to search
   std::u16string prefix;
   // Diacritics matched where typed: how a match ends, if the pattern ends
   // with a letter and the accents typed after it (find_regex).
@@ -131,11 +134,13 @@ std::optional<pattern_failure> fold_regex(detail::search_program& program,
     program.ending = detail::typed_ending{&detail::cluster_syntax::accents_of(table),
                                           folded.typed_ending, folded.typed_ending_after_letter};
   }
-  UErrorCode status = U_ZERO_ERROR;
-  const std::unique_ptr<icu::RegexMatcher> matcher(program.pattern->matcher(status));
-  if (U_FAILURE(status)) return pattern_failure{regex_exception(status), npos};
-  if (matcher == nullptr) throw std::bad_alloc();
-  program.group_count = matcher->groupCount();
+  program.matchers.emplace(*program.pattern);
+  try {
+    // The first search takes this matcher up.
+    program.group_count = program.matchers->borrow()->groupCount();
+  } catch (const regex_exception& error) {
+    return pattern_failure{error, npos};
+  }
   return std::nullopt;
 }
 
@@ -297,7 +302,7 @@ detail::regex_matches search(const detail::search_program* program,
     if (limit != 1) {
       // All matches: the whole text is folded first.
       detail::fold_text(table, text.data(), size, true, folded);
-      detail::find_regex(table, *program->pattern, program->prefix, policy, ending, text.data(),
+      detail::find_regex(table, *program->matchers, program->prefix, policy, ending, text.data(),
                          folded, limit, found);
       return found;
     }
@@ -306,7 +311,7 @@ detail::regex_matches search(const detail::search_program* program,
     // there unless ICU's engine read to the end of what is folded. Each
     // search of a start reads it anew, so they stop at an eighth of the
     // text: past that, the rest is folded and searched once.
-    detail::regex_finder<Unit> finder(table, *program->pattern, program->prefix, policy, ending,
+    detail::regex_finder<Unit> finder(table, *program->matchers, program->prefix, policy, ending,
                                       text.data(), folded);
     int32_t searched = 0;  // the units the last search of a start read
     detail::fold_text(

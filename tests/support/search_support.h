@@ -14,6 +14,7 @@
 #include <vector>
 
 #include <unicode/locid.h>
+#include <unicode/unistr.h>
 #include <unicode/unorm2.h>
 #include <unicode/utf16.h>
 
@@ -63,6 +64,13 @@ inline re::search_options options_with(bool match_case, re::diacritics_rule diac
   options.ignore_punctuation = ignore_punctuation;
   options.locale = std::move(locale);
   return options;
+}
+
+// `text` in UTF-8.
+inline std::string utf8(std::u16string_view text) {
+  std::string out;
+  icu::UnicodeString(text.data(), static_cast<int32_t>(text.size())).toUTF8String(out);
+  return out;
 }
 
 // `text` normalised by `normalizer` (ICU's NFC or NFD instance).
