@@ -264,6 +264,23 @@ class folder {
     return count;
   }
 
+  // Folds the sixteen units at `at`, all below latin_limit, into `units`
+  // (each into one unit, as far as they go): returns how many from the first
+  // fold to one unit each.
+  int32_t fold_block(int32_t at, char16_t* units) const {
+    constexpr int32_t block = 16;
+    std::uint32_t folds = 0;
+    for (int32_t k = 0; k < block; ++k) {
+      const std::uint32_t fold = table_.latin(code_at(at + k));
+      units[k] = static_cast<char16_t>(fold);
+      folds |= fold;
+    }
+    if (folds <= 0xFFFF) return block;
+    int32_t kept = 0;
+    while (table_.latin(code_at(at + kept)) <= 0xFFFF) ++kept;
+    return kept;
+  }
+
   // origin[0, 8) = at, at + 1, ...
   static void store_origins(int32_t* origin, int32_t at) {
 #if defined(__SSE2__)
@@ -290,23 +307,16 @@ class folder {
     // characters go one at a time, until as many as a block in a row have
     // folded to one unit each (in text with a space or an accent every few
     // letters, blocks would keep failing).
-    constexpr int32_t block = 8;
+    constexpr int32_t block = 16;
     bool slow = false;
     while (at < end && !slow) {
       while (end - at >= block) {
         int32_t kept = latin_units(text_ + at);
+        if (kept == 8) kept += latin_units(text_ + at + 8);
         if (kept == block) {
-          std::uint32_t folds = 0;
-          for (int32_t k = 0; k < block; ++k) {
-            const std::uint32_t fold = table_.latin(code_at(at + k));
-            units[k] = static_cast<char16_t>(fold);
-            folds |= fold;
-          }
-          if (folds > 0xFFFF) {
-            kept = 0;
-            while (table_.latin(code_at(at + kept)) <= 0xFFFF) ++kept;
-          }
+          kept = fold_block(at, units);
           store_origins(origin, at);
+          store_origins(origin + 8, at + 8);
         } else {
           for (int32_t k = 0; k < kept; ++k) {
             const std::uint32_t fold = table_.latin(code_at(at + k));
@@ -328,7 +338,7 @@ class folder {
         if (kept != block) break;
       }
       int32_t in_a_row = 0;  // characters just folded to one unit each
-      while (at < end && in_a_row < block) {
+      while (at < end && in_a_row < 8) {
         UChar32 c = code_at(at);
         int32_t length = 1;
         if constexpr (sizeof(Unit) == 2) {

@@ -102,15 +102,19 @@ struct folded_text {
 // thread: a fold lends it for its own length and calls nothing that folds.
 class scratch_text {
  public:
-  scratch_text() = default;
+  scratch_text() : text_(thread_text()) {}
   scratch_text(const scratch_text&) = delete;
   scratch_text& operator=(const scratch_text&) = delete;
-  ~scratch_text() { text().trim(); }
+  ~scratch_text() { text_.trim(); }
 
-  folded_text& text() const {
+  folded_text& text() const { return text_; }
+
+ private:
+  static folded_text& thread_text() {
     thread_local folded_text folded;
     return folded;
   }
+  folded_text& text_;
 };
 
 // Called after each stretch of text is folded, with the number of folded

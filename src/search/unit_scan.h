@@ -2,6 +2,7 @@
 #ifndef SCL_REGEX_SRC_SEARCH_UNIT_SCAN_H
 #define SCL_REGEX_SRC_SEARCH_UNIT_SCAN_H
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
@@ -71,25 +72,41 @@ inline const char16_t* find_surrogate(const char16_t* from, const char16_t* last
 // run of units that each come from the next source unit ends.
 inline std::size_t aligned_run_end(const char16_t* units, const int32_t* origin, std::size_t from,
                                    std::size_t last) {
+  const std::size_t start = from;
 #if defined(__SSE2__)
-  const __m128i one = _mm_set1_epi32(1);
+  // Eight units at a time: their origins must go on from origin[start] one
+  // by one (the step into the first of them is checked with them), and none
+  // may be a surrogate.
+  __m128i low = _mm_add_epi32(_mm_set1_epi32(origin[start]), _mm_setr_epi32(0, 1, 2, 3));
+  __m128i high = _mm_add_epi32(low, _mm_set1_epi32(4));
+  const __m128i eight = _mm_set1_epi32(8);
   const __m128i mask = _mm_set1_epi16(static_cast<short>(0xF800));
   const __m128i surrogate = _mm_set1_epi16(static_cast<short>(0xD800));
-  for (; from + 8 <= last; from += 8) {
-    const auto at = [&](std::size_t k) {
-      return _mm_loadu_si128(reinterpret_cast<const __m128i*>(origin + from + k));
-    };
-    const __m128i steps = _mm_packs_epi32(_mm_cmpeq_epi32(_mm_sub_epi32(at(1), at(0)), one),
-                                          _mm_cmpeq_epi32(_mm_sub_epi32(at(5), at(4)), one));
+  for (; from + 8 <= last + 1; from += 8) {
+    const auto* at = reinterpret_cast<const __m128i*>(origin + from);
+    const auto on = static_cast<unsigned>(
+        _mm_movemask_epi8(_mm_packs_epi32(_mm_cmpeq_epi32(_mm_loadu_si128(at), low),
+                                          _mm_cmpeq_epi32(_mm_loadu_si128(at + 1), high))));
     const __m128i here = _mm_loadu_si128(reinterpret_cast<const __m128i*>(units + from));
-    const __m128i bad = _mm_cmpeq_epi16(_mm_and_si128(here, mask), surrogate);
-    const auto good = static_cast<unsigned>(_mm_movemask_epi8(_mm_andnot_si128(bad, steps)));
-    if (good != 0xFFFF) return from + (__builtin_ctz(~good) >> 1);
+    const auto lone = static_cast<unsigned>(
+        _mm_movemask_epi8(_mm_cmpeq_epi16(_mm_and_si128(here, mask), surrogate)));
+    if (on != 0xFFFF || lone != 0) {
+      // A unit whose origin is off ends the run at the unit before it.
+      std::size_t end = last;
+      if (on != 0xFFFF) end = from + (__builtin_ctz(~on) >> 1) - 1;
+      if (lone != 0) end = std::min(end, from + (__builtin_ctz(lone) >> 1));
+      return std::min(end, last);
+    }
+    low = _mm_add_epi32(low, eight);
+    high = _mm_add_epi32(high, eight);
   }
+  // The step into `from` is not checked yet.
+  if (from > start) --from;
 #endif
   for (; from < last; ++from) {
     if ((units[from] & 0xF800) == 0xD800 || origin[from + 1] != origin[from] + 1) return from;
   }
+  (void)start;
   return last;
 }
 
