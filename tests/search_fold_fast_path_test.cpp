@@ -12,6 +12,7 @@
 #include <unicode/utf8.h>
 
 #include "scl/regex/search_pattern.h"
+#include "search/fold_map.h"
 #include "search/fold_table.h"
 #include "search/folded_text.h"
 #include "search/search_settings.h"
@@ -222,6 +223,74 @@ TEST(FoldFastPath, LeavesTheFirstUnitPastTheLatinRangeToTheGeneralPath) {
     EXPECT_EQ(folded.source_range(at - 1, at), std::make_pair(at - 1, at + 1));
     EXPECT_EQ(folded.source_range(at, at + 1), std::make_pair(at + 1, at + 2));
   }
+}
+
+// Text of every kind the fold meets: long runs of Latin letters, with marks
+// (decomposed letters, marks NFC reorders), controls and soft hyphens, the
+// dot of "l\u00b7", ligatures, Hangul, kana, surrogate pairs and lone
+// surrogates, Danish "aa", and letters past the Latin range.
+std::u16string mixed_text(std::mt19937& random) {
+  static const std::vector<std::u16string> pieces = {u"e\u0301",
+                                                     u"\u0316\u0301",
+                                                     u"\u0301\u0316",
+                                                     u"\u0000",
+                                                     u"\u00ad",
+                                                     u"l\u00b7",
+                                                     u"\u0153",
+                                                     u"\ufb01",
+                                                     u"\uac00",
+                                                     u"\u1100\u1161",
+                                                     u"\u304b\u3099",
+                                                     u"\U0001F600",
+                                                     std::u16string(1, char16_t{0xD800}),
+                                                     std::u16string(1, char16_t{0xDC00}),
+                                                     u"Aa",
+                                                     u"aa",
+                                                     u"\u0418\u0306",
+                                                     u"\u0e40\u0e01",
+                                                     u"\t",
+                                                     u"\u00df"};
+  std::u16string text;
+  const std::size_t parts = random() % 12;
+  for (std::size_t part = 0; part < parts; ++part) {
+    const std::size_t letters = random() % 60;
+    for (std::size_t i = 0; i < letters; ++i) {
+      text += static_cast<char16_t>(random() % 12 == 0 ? u' ' : u'a' + random() % 26);
+    }
+    text += pieces[random() % pieces.size()];
+  }
+  return text;
+}
+
+TEST_P(FoldFastPath, MapIsTheSameWithTheNotedBlocksAsWithout) {
+  const re::search_options& options = GetParam().options;
+  const detail::search_locale& locale = detail::search_settings::validate(options);
+  const detail::fold_table& table =
+      locale.collation->table(detail::search_settings::text_fold(options));
+  std::mt19937 random(1729);
+  detail::folded_text noted;
+  detail::folded_text plain;
+  noted.note_aligned = true;
+  std::size_t runs = 0;
+  for (int round = 0; round < 600; ++round) {
+    const std::u16string text = mixed_text(random);
+    SCOPED_TRACE(scl_regex_test::hex(text));
+    const auto size = static_cast<int32_t>(text.size());
+    detail::fold_text(table, text.data(), size, false, noted);
+    detail::fold_text(table, text.data(), size, false, plain);
+    ASSERT_TRUE(plain.aligned.empty());
+    ASSERT_EQ(noted.text(), plain.text());
+    runs += noted.aligned.size();
+    const std::vector<detail::map_stretch> with = detail::map_of(noted, text);
+    const std::vector<detail::map_stretch> without = detail::map_of(plain, text);
+    ASSERT_EQ(with.size(), without.size());
+    for (std::size_t i = 0; i < with.size(); ++i) {
+      ASSERT_EQ(with[i].prepared, without[i].prepared) << "stretch " << i;
+      ASSERT_EQ(with[i].source, without[i].source) << "stretch " << i;
+      ASSERT_EQ(with[i].aligned, without[i].aligned) << "stretch " << i;
+    }
+  }
+  EXPECT_GT(runs, 100U) << "too few aligned runs to prove anything";
 }
 
 std::vector<fast_path_case> fast_path_cases() {

@@ -73,6 +73,7 @@ class folder {
     out_.size = 0;
     out_.source_size = size;
     out_.empty_pieces.clear();
+    out_.aligned.clear();
     // Text folds to about as many units as it has, Hangul and expansions to
     // more: one allocation for nearly all text, not a series of doublings.
     out_.reserve_more(size + size / 2 + longest_fold);
@@ -104,7 +105,8 @@ class folder {
   // starts. Otherwise returns where the last character ends.
   int32_t fold_run(int32_t at, int32_t end, bool check) {
     while (at < end) {
-      at = fold_simple(fold_latin(at, end), end);
+      if (latin_first(at)) at = fold_latin(at, end);
+      at = fold_simple(at, end);
       if (at >= end) break;
       const int32_t start = at;
       const UChar32 c = next_code_point(text_, at, size_);
@@ -232,6 +234,18 @@ class folder {
     }
   }
 
+  // Whether fold_latin folds the character at `at` (< end).
+  bool latin_first(int32_t at) const {
+    const UChar32 c = code_at(at);
+    if constexpr (sizeof(Unit) == 2) {
+      return c < fold_table::latin_limit &&
+             table_.latin(static_cast<char16_t>(c)) != fold_table::latin_slow;
+    } else {
+      return c < 0x80 ? table_.latin(static_cast<char16_t>(c)) != fold_table::latin_slow
+                      : c >= 0xC2 && c <= 0xCB;
+    }
+  }
+
   // The unit at `at`, as a number.
   UChar32 code_at(int32_t at) const { return static_cast<std::make_unsigned_t<Unit>>(text_[at]); }
 
@@ -268,7 +282,7 @@ class folder {
   // (each into one unit, as far as they go): returns how many from the first
   // fold to one unit each.
   int32_t fold_block(int32_t at, char16_t* units) const {
-    constexpr int32_t block = 16;
+    constexpr int32_t block = folded_text::aligned_block;
     std::uint32_t folds = 0;
     for (int32_t k = 0; k < block; ++k) {
       const std::uint32_t fold = table_.latin(code_at(at + k));
@@ -279,6 +293,19 @@ class folder {
     int32_t kept = 0;
     while (table_.latin(code_at(at + kept)) <= 0xFFFF) ++kept;
     return kept;
+  }
+
+  // Notes the block just folded at `units` from source unit `at` as aligned:
+  // a run of its own, or more of the one it follows.
+  void note_aligned(const char16_t* units, int32_t at) {
+    const auto begin = static_cast<int32_t>(units - out_.units.data());
+    const int32_t end = begin + folded_text::aligned_block;
+    if (!out_.aligned.empty() && out_.aligned.back().end == begin && begin > 0 &&
+        out_.origin[static_cast<std::size_t>(begin) - 1] + 1 == at) {
+      out_.aligned.back().end = end;
+    } else {
+      out_.aligned.push_back({begin, end});
+    }
   }
 
   // origin[0, 8) = at, at + 1, ...
@@ -301,42 +328,15 @@ class folder {
     const int32_t first = at;
     UChar32 last = -1;
     bool last_empty = false;
-    // Blocks of units that each fold to one unit (bytes below 0x80, in
+    // One character at a time; once eight in a row have folded to one unit
+    // each, blocks of units that each fold to one unit (bytes below 0x80, in
     // UTF-8), as nearly all of such text: folded, and kept up to the first
-    // unit that does not (the room is there either way). From there the
-    // characters go one at a time, until as many as a block in a row have
-    // folded to one unit each (in text with a space or an accent every few
-    // letters, blocks would keep failing).
-    constexpr int32_t block = 16;
+    // unit that does not (the room is there either way). From there, one at
+    // a time again (in text with a space or an accent every few letters, or
+    // short runs of Latin between other scripts, blocks would keep failing).
+    constexpr int32_t block = folded_text::aligned_block;
     bool slow = false;
     while (at < end && !slow) {
-      while (end - at >= block) {
-        int32_t kept = latin_units(text_ + at);
-        if (kept == 8) kept += latin_units(text_ + at + 8);
-        if (kept == block) {
-          kept = fold_block(at, units);
-          store_origins(origin, at);
-          store_origins(origin + 8, at + 8);
-        } else {
-          for (int32_t k = 0; k < kept; ++k) {
-            const std::uint32_t fold = table_.latin(code_at(at + k));
-            if (fold > 0xFFFF) {
-              kept = k;
-              break;
-            }
-            units[k] = static_cast<char16_t>(fold);
-            origin[k] = at + k;
-          }
-        }
-        units += kept;
-        origin += kept;
-        at += kept;
-        if (kept != 0) {
-          last = code_at(at - 1);
-          last_empty = false;
-        }
-        if (kept != block) break;
-      }
       int32_t in_a_row = 0;  // characters just folded to one unit each
       while (at < end && in_a_row < 8) {
         UChar32 c = code_at(at);
@@ -380,6 +380,35 @@ class folder {
         }
         last = c;
         at += length;
+      }
+      if (slow) break;
+      while (end - at >= block) {
+        int32_t kept = latin_units(text_ + at);
+        if (kept == 8) kept += latin_units(text_ + at + 8);
+        if (kept == block) {
+          kept = fold_block(at, units);
+          store_origins(origin, at);
+          if (kept == block && out_.note_aligned) note_aligned(units, at);
+          store_origins(origin + 8, at + 8);
+        } else {
+          for (int32_t k = 0; k < kept; ++k) {
+            const std::uint32_t fold = table_.latin(code_at(at + k));
+            if (fold > 0xFFFF) {
+              kept = k;
+              break;
+            }
+            units[k] = static_cast<char16_t>(fold);
+            origin[k] = at + k;
+          }
+        }
+        units += kept;
+        origin += kept;
+        at += kept;
+        if (kept != 0) {
+          last = code_at(at - 1);
+          last_empty = false;
+        }
+        if (kept != block) break;
       }
     }
     end_run(units, at > first, last, last_empty);
@@ -690,6 +719,12 @@ class folder {
 
     // What was folded from `start` on goes; the state is the one before it.
     while (out_.size > 0 && out_.origin[out_.size - 1] >= start) --out_.size;
+    while (!out_.aligned.empty() && out_.aligned.back().end > out_.size) {
+      folded_text::aligned_run& run = out_.aligned.back();
+      run.end = out_.size;
+      if (run.end > run.begin) break;
+      out_.aligned.pop_back();
+    }
     accent_floor_ = std::min(accent_floor_, out_.size);
     while (!out_.empty_pieces.empty() && out_.empty_pieces.back() >= start) {
       out_.empty_pieces.pop_back();

@@ -68,6 +68,17 @@ struct folded_text {
   std::vector<int32_t> empty_pieces;  // source starts of the pieces that fold to nothing
   int32_t size = 0;
   int32_t source_size = 0;
+  // With `note_aligned`, the fold notes (in order) the runs of units
+  // [begin, end) that it folded one from each source unit in turn, blocks of
+  // Latin letters aligned_block long, joined where they meet: the map need
+  // not look inside them.
+  static constexpr int32_t aligned_block = 16;
+  struct aligned_run {
+    int32_t begin;
+    int32_t end;
+  };
+  bool note_aligned = false;
+  std::vector<aligned_run> aligned;
 
   std::u16string_view text() const { return {units.data(), static_cast<std::size_t>(size)}; }
 
@@ -102,10 +113,16 @@ struct folded_text {
 // thread: a fold lends it for its own length and calls nothing that folds.
 class scratch_text {
  public:
-  scratch_text() : text_(thread_text()) {}
+  // With `note_aligned`, the folds into it note their aligned blocks.
+  explicit scratch_text(bool note_aligned = false) : text_(thread_text()) {
+    text_.note_aligned = note_aligned;
+  }
   scratch_text(const scratch_text&) = delete;
   scratch_text& operator=(const scratch_text&) = delete;
-  ~scratch_text() { text_.trim(); }
+  ~scratch_text() {
+    text_.note_aligned = false;
+    text_.trim();
+  }
 
   folded_text& text() const { return text_; }
 
