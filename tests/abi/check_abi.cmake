@@ -6,6 +6,9 @@
 # With DOCTOR set, first renames one recorded function symbol in a scratch copy
 # of the dump, and expects abidiff to call that incompatible: proof that the
 # check can fail.
+include(${CMAKE_CURRENT_LIST_DIR}/../support/tools.cmake)
+scl_find_tool(ABIDIFF abidiff abigail-tools)
+
 set(dump ${RECORDED})
 if(DOCTOR)
   file(READ ${RECORDED} text)
@@ -19,7 +22,7 @@ if(DOCTOR)
 endif()
 
 execute_process(
-  COMMAND abidiff --headers-dir2 ${HEADERS} ${dump} ${LIBRARY}
+  COMMAND ${ABIDIFF} --headers-dir2 ${HEADERS} ${dump} ${LIBRARY}
   RESULT_VARIABLE rc OUTPUT_VARIABLE report ERROR_VARIABLE errors)
 if(NOT rc MATCHES "^[0-9]+$")
   message(FATAL_ERROR "abidiff did not run: ${rc}\n${errors}")

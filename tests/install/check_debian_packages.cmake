@@ -1,6 +1,10 @@
 # Builds the Debian packages in the build directory with CPack, checks their
 # names, control fields and file lists, unpacks them into a scratch root and
 # builds and runs the consumer against that tree.
+include(${CMAKE_CURRENT_LIST_DIR}/../support/tools.cmake)
+scl_find_tool(DPKG_DEB dpkg-deb dpkg)
+scl_find_tool(DPKG_SHLIBDEPS dpkg-shlibdeps dpkg-dev)  # CPack reads the runtime's dependencies with it
+
 set(runtime_deb ${BUILD_DIR}/libscl-regex${MAJOR}_${VERSION}_${ARCH}.deb)
 set(dev_deb ${BUILD_DIR}/libscl-regex-dev_${VERSION}_${ARCH}.deb)
 file(REMOVE_RECURSE ${WORK_DIR})
@@ -26,13 +30,13 @@ foreach(deb ${runtime_deb} ${dev_deb})
 endforeach()
 
 # Control fields.
-run(dpkg-deb -f ${runtime_deb} Package Version Section Depends)
+run(${DPKG_DEB} -f ${runtime_deb} Package Version Section Depends)
 set(fields "${last_output}")
 expect("${fields}" "Package: libscl-regex${MAJOR}\n" "runtime package name")
 expect("${fields}" "Version: ${VERSION}\n" "runtime version")
 expect("${fields}" "Section: libs" "runtime section")
 expect("${fields}" "Depends:[^\n]*libicu72" "runtime depends on ICU (from dpkg-shlibdeps)")
-run(dpkg-deb -f ${dev_deb} Package Version Section Depends)
+run(${DPKG_DEB} -f ${dev_deb} Package Version Section Depends)
 set(fields "${last_output}")
 expect("${fields}" "Package: libscl-regex-dev\n" "development package name")
 expect("${fields}" "Section: libdevel" "development section")
@@ -40,14 +44,14 @@ expect("${fields}" "Depends:[^\n]*libscl-regex${MAJOR} \\(= ${VERSION}\\)" "deve
 expect("${fields}" "Depends:[^\n]*libicu-dev" "development depends on libicu-dev")
 
 # File lists: the versioned shared object alone in the runtime, the rest in -dev.
-run(dpkg-deb -c ${runtime_deb})
+run(${DPKG_DEB} -c ${runtime_deb})
 set(files "${last_output}")
 expect("${files}" "/usr/lib/libscl_regex\\.so\\.${MAJOR} " "runtime holds the SONAME link")
 expect("${files}" "/usr/lib/libscl_regex\\.so\\.${VERSION}\n" "runtime holds the library")
 if(files MATCHES "/usr/include/" OR files MATCHES "libscl_regex\\.so -> " OR files MATCHES "\\.pc\n")
   message(FATAL_ERROR "the runtime package holds development files:\n${files}")
 endif()
-run(dpkg-deb -c ${dev_deb})
+run(${DPKG_DEB} -c ${dev_deb})
 set(files "${last_output}")
 foreach(path "/usr/include/scl/regex\\.h" "/usr/include/scl/regex/regex_impl_icu\\.h"
              "/usr/lib/libscl_regex\\.so -> " "/usr/lib/cmake/scl_regex/scl_regexConfig\\.cmake"
@@ -61,8 +65,8 @@ endif()
 # Unpacked together, they serve a consumer.
 set(root ${WORK_DIR}/root)
 file(MAKE_DIRECTORY ${root})
-run(dpkg-deb -x ${runtime_deb} ${root})
-run(dpkg-deb -x ${dev_deb} ${root})
+run(${DPKG_DEB} -x ${runtime_deb} ${root})
+run(${DPKG_DEB} -x ${dev_deb} ${root})
 run(${CMAKE_COMMAND} -S ${CONSUMER_DIR} -B ${WORK_DIR}/consumer -DCMAKE_PREFIX_PATH=${root}/usr
     -DCMAKE_CXX_COMPILER=${CXX} -DCMAKE_BUILD_TYPE=Release)
 run(${CMAKE_COMMAND} --build ${WORK_DIR}/consumer)

@@ -1,5 +1,8 @@
 # Installs the built library into a scratch prefix, then builds the consumer against it
 # with find_package and with pkg-config, and runs both programs.
+include(${CMAKE_CURRENT_LIST_DIR}/../support/tools.cmake)
+scl_find_tool(PKG_CONFIG pkg-config pkg-config)
+
 file(REMOVE_RECURSE ${WORK_DIR})
 set(prefix ${WORK_DIR}/prefix)
 
@@ -38,10 +41,10 @@ if(NOT pc_count EQUAL 1)
 endif()
 get_filename_component(pc_dir ${pc_files} DIRECTORY)
 set(ENV{PKG_CONFIG_PATH} ${pc_dir})
-run(pkg-config --cflags --libs scl_regex)
+run(${PKG_CONFIG} --cflags --libs scl_regex)
 string(STRIP "${last_output}" flags)
 separate_arguments(flags UNIX_COMMAND "${flags}")
-run(pkg-config --variable=libdir scl_regex)
+run(${PKG_CONFIG} --variable=libdir scl_regex)
 string(STRIP "${last_output}" libdir)
 run(${CXX} -std=c++17 ${CONSUMER_DIR}/main.cpp ${flags} -Wl,-rpath,${libdir}
     -o ${WORK_DIR}/pkgconfig_consumer)

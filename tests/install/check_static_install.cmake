@@ -1,5 +1,8 @@
 # Builds this checkout as a static library into a scratch prefix, then builds and
 # runs the consumer against it through find_package and through pkg-config --static.
+include(${CMAKE_CURRENT_LIST_DIR}/../support/tools.cmake)
+scl_find_tool(PKG_CONFIG pkg-config pkg-config)
+
 file(REMOVE_RECURSE ${WORK_DIR})
 set(prefix ${WORK_DIR}/prefix)
 
@@ -31,11 +34,11 @@ endforeach()
 file(GLOB_RECURSE pc_files ${prefix}/*/scl_regex.pc)
 get_filename_component(pc_dir ${pc_files} DIRECTORY)
 set(ENV{PKG_CONFIG_PATH} ${pc_dir})
-run(pkg-config --print-requires-private scl_regex)
+run(${PKG_CONFIG} --print-requires-private scl_regex)
 if(NOT last_output MATCHES "icu-uc" OR NOT last_output MATCHES "icu-i18n")
   message(FATAL_ERROR "scl_regex.pc does not require ICU privately: ${last_output}")
 endif()
-run(pkg-config --static --cflags --libs scl_regex)
+run(${PKG_CONFIG} --static --cflags --libs scl_regex)
 string(STRIP "${last_output}" flags)
 separate_arguments(flags UNIX_COMMAND "${flags}")
 run(${CXX} -std=c++17 ${CONSUMER_DIR}/main.cpp ${flags} -o ${WORK_DIR}/pkgconfig_consumer)
