@@ -233,7 +233,7 @@ std::u16string mixed_text(std::mt19937& random) {
   static const std::vector<std::u16string> pieces = {u"e\u0301",
                                                      u"\u0316\u0301",
                                                      u"\u0301\u0316",
-                                                     u"\u0000",
+                                                     std::u16string(1, u'\0'),
                                                      u"\u00ad",
                                                      u"l\u00b7",
                                                      u"\u0153",

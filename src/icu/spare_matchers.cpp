@@ -14,7 +14,7 @@ borrowed_matcher::~borrowed_matcher() {
 
 spare_matchers::~spare_matchers() {
   for (std::atomic<icu::RegexMatcher*>& spare : spare_) {
-    delete spare.load(std::memory_order_acquire);
+    const std::unique_ptr<icu::RegexMatcher> kept(spare.load(std::memory_order_acquire));
   }
 }
 
@@ -37,7 +37,7 @@ void spare_matchers::give_back(std::unique_ptr<icu::RegexMatcher> matcher) const
     icu::RegexMatcher* empty = nullptr;
     if (spare.compare_exchange_strong(empty, matcher.get(), std::memory_order_release,
                                       std::memory_order_relaxed)) {
-      matcher.release();
+      (void)matcher.release();  // the slot owns it now
       return;
     }
   }
