@@ -29,8 +29,9 @@ endmacro()
 # When configuring: fails if `name` is missing and REQUIRE_TOOLS is on, or
 # says that the tests that run it will be skipped.
 function(scl_check_tool name package)
-  find_program(_scl_tool_${name} ${name})
-  if(NOT _scl_tool_${name})
+  unset(found)
+  find_program(found ${name} NO_CACHE)  # looked for anew at each configuration
+  if(NOT found)
     scl_missing_tool(${name} ${package} missing)
     if(REQUIRE_TOOLS)
       message(FATAL_ERROR "${missing}")
