@@ -99,6 +99,10 @@ class usearch_oracle {
   usearch_oracle& operator=(const usearch_oracle&) = delete;
 
   bool ready() const { return search_ != nullptr; }
+  // The collator usearch searches with, and whether it is a language's own
+  // (not the root's).
+  const UCollator* collator() const { return collator_; }
+  bool tailored() const { return !locale_.empty() && locale_ != "root"; }
 
   // Every match of `query` in `text`, forward, without overlap (usearch's
   // default; with the case level, see above). Sets `failed` if ICU reports an
@@ -320,17 +324,13 @@ struct halves_misread {
   bool as_letter = false;
 };
 
-inline halves_misread misread_halves(UChar32 c) {
-  static std::unordered_map<UChar32, halves_misread> known;
-  const auto found = known.find(c);
-  if (found != known.end()) return found->second;
+// The same over the elements `collator` gives for `text` (a language's
+// collator gives long weights to its contractions too: Danish "aa").
+inline halves_misread misread_halves(const UCollator* collator, std::u16string_view text) {
   UErrorCode status = U_ZERO_ERROR;
-  static UCollator* const root = ucol_open("", &status);
-  static UCollationElements* const elements = ucol_openElements(root, nullptr, 0, &status);
-  static const uint32_t variable_top = ucol_getVariableTop(root, &status);
-  std::u16string text;
-  append_code_point(text, c);
-  ucol_setText(elements, text.data(), static_cast<int32_t>(text.size()), &status);
+  const uint32_t variable_top = ucol_getVariableTop(collator, &status);
+  UCollationElements* elements =
+      ucol_openElements(collator, text.data(), static_cast<int32_t>(text.size()), &status);
   halves_misread misread;
   bool first_half_variable = false;
   for (int32_t order = ucol_next(elements, &status); order != UCOL_NULLORDER && U_SUCCESS(status);
@@ -345,6 +345,19 @@ inline halves_misread misread_halves(UChar32 c) {
       misread.as_letter = true;
     }
   }
+  ucol_closeElements(elements);
+  return misread;
+}
+
+inline halves_misread misread_halves(UChar32 c) {
+  static std::unordered_map<UChar32, halves_misread> known;
+  const auto found = known.find(c);
+  if (found != known.end()) return found->second;
+  UErrorCode status = U_ZERO_ERROR;
+  static UCollator* const root = ucol_open("", &status);
+  std::u16string text;
+  append_code_point(text, c);
+  const halves_misread misread = misread_halves(root, text);
   known.emplace(c, misread);
   return misread;
 }
@@ -374,6 +387,14 @@ inline exclusion excluded(const usearch_oracle& oracle, const re::search_options
       if (side == text && !accents) break;
       for (const UChar32 c : code_points_of(side)) {
         if (continuation_read_as_punctuation(c)) return exclusion::continuation_as_punctuation;
+      }
+      // A language's collation has long weights of its own, contractions
+      // included: where the query's second halves read as punctuation,
+      // usearch looks for their first halves alone (Danish "Aa" is found in
+      // "\u00c4").
+      if (side == query && oracle.tailored() &&
+          misread_halves(oracle.collator(), side).as_punctuation) {
+        return exclusion::continuation_as_punctuation;
       }
     }
     for (const std::u16string_view side : {query, text}) {
