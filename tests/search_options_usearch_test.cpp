@@ -132,6 +132,27 @@ TEST(OptionsDocumentedDifferences, UsearchReadsHalfALongWeightAsPunctuation) {
   EXPECT_FALSE(failed);
 }
 
+// The same in a language: its collation gives long weights of its own, to
+// contractions too. In Danish, usearch finds "Aa" (one letter, "\u00e5") in
+// "\u00c4" (a form of "\u00e6"), which the collator calls apart.
+TEST(OptionsDocumentedDifferences, UsearchReadsHalfALanguagesLongWeightAsPunctuation) {
+  const re::search_options danish =
+      options_with(false, re::diacritics_rule::ignore, false, true, "da");
+  usearch_oracle oracle(danish);
+  ASSERT_TRUE(oracle.ready());
+  bool failed = false;
+  EXPECT_EQ(oracle.find_all(u"Aa", u"x\u00c4", failed), (ranges{{1, 2}}));
+  EXPECT_FALSE(failed);
+  EXPECT_NE(ucol_strcoll(oracle.collator(), u"Aa", 2, u"\u00c4", 1), UCOL_EQUAL);
+  const re::search_pattern pattern(u"Aa", re::query_syntax::literal, danish);
+  EXPECT_FALSE(pattern.found_in(u"x\u00c4"));
+  EXPECT_EQ(ranges_of(pattern.find_all(u"x\u00c5 aa")), (ranges{{1, 2}, {3, 5}}));
+  EXPECT_NE(re::search_fold(u"Aa", danish).text(), re::search_fold(u"\u00c4", danish).text());
+  // The differential leaves such queries out.
+  EXPECT_EQ(excluded(oracle, danish, u"Aa", u"x\u00c4"), exclusion::continuation_as_punctuation);
+  EXPECT_EQ(excluded(oracle, danish, u"b", u"x\u00c4"), exclusion::none);
+}
+
 // The other difference the header lists: with diacritics matched where typed,
 // usearch's buffer of collation elements overflows where many accents follow a
 // match. Search folding ends the match where it does before a few.

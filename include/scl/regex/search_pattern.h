@@ -226,6 +226,8 @@
 //     punctuation and the second is not (some 280 characters, Syriac U+0707
 //     among them), usearch looks for the second as a letter, so "1\u0707"
 //     finds nothing, not even "1"; search folding ignores the character.
+//     A language's collation gives long weights of its own, to contractions
+//     too: in Danish, usearch finds "Aa" (that is, "\u00e5") in "\u00c4".
 //   - With diacritics matched where typed, usearch in ICU 72 keeps the
 //     collation elements it looks at in a buffer of 32 plus about 3 per query
 //     character. Where more accents (or other characters without a primary
