@@ -47,8 +47,6 @@ class spare_matchers {
   spare_matchers& operator=(const spare_matchers&) = delete;
   ~spare_matchers();
 
-  const icu::RegexPattern& pattern() const { return pattern_; }
-
   // A matcher of the pattern, kept from an earlier search or new (new_matcher:
   // with the calling thread's time limit), over no text the caller may count
   // on: reset it onto the text to search. Throws regex_exception with ICU's

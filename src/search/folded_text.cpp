@@ -388,8 +388,8 @@ class folder {
         if (kept == block) {
           kept = fold_block(at, units);
           store_origins(origin, at);
-          if (kept == block && out_.note_aligned) note_aligned(units, at);
           store_origins(origin + 8, at + 8);
+          if (kept == block && out_.note_aligned) note_aligned(units, at);
         } else {
           for (int32_t k = 0; k < kept; ++k) {
             const std::uint32_t fold = table_.latin(code_at(at + k));

@@ -5,7 +5,6 @@
 #include <unicode/utext.h>
 #include <unicode/utf16.h>
 
-#include "icu/matcher.h"
 #include "scl/regex/exception.h"
 #include "search/unit_scan.h"
 #include "time_limit/deadline.h"
